@@ -9,5 +9,18 @@
 #include "kescomn/debug.h"
 #include "kescomn/conv.h"
 #include "kescomn/conv_int.h"
+#include "kescomn/charattr.h"
+#include "kescomn/conv_string.h"
+#include "kescomn/conv_scan.h"
+#include "kescomn/conv_bin.h"
+#include "kescomn/conv_float.h"
+#include "kescomn/numeric.h"
+#include "kescomn/money.h"
+#include "kescomn/datetime.h"
+#include "kescomn/nulls.h"
+#include "kescomn/lm.h"
+#include "kescomn/mm.h"
+#include "kescomn/runtime.h"
+#include "kescomn/paths.h"
 
 #endif /* KESCOMN_H */

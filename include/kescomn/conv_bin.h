@@ -1,0 +1,10 @@
+#ifndef KESCOMN_CONV_BIN_H
+#define KESCOMN_CONV_BIN_H
+
+#include "kescomn/types.h"
+
+KES_BEGIN_DECLS
+
+KES_END_DECLS
+
+#endif /* KESCOMN_CONV_BIN_H */
