@@ -136,7 +136,7 @@ bool is_help(std::string_view word) { return word == "-h" || word == "--help"; }
 
 int usage(const Command &command)
 {
-    std::printf("usage: kescomn %s %s\n  %s\n", command.name, command.usage, command.summary);
+    std::printf("usage: kescomn %s %s\n\n  %s\n", command.name, command.usage, command.summary);
     return 0;
 }
 
