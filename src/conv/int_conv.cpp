@@ -283,6 +283,14 @@ CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, C
             return CS_SUCCEED;
         }
     } else if constexpr (std::is_same_v<D, tok_char>) {
+        // When any value of the type fits, the digits go straight to the
+        // destination; the room test cannot fail then.
+        constexpr CS_INT kLongest = std::numeric_limits<ST>::digits10 + 2;
+        if (destfmt->maxlength > kLongest) {
+            char *text = static_cast<char *>(dest);
+            *destlen = static_cast<CS_INT>(std::to_chars(text, text + kLongest, v).ptr - text);
+            return comn__padchar(*destlen, destfmt, dest, destlen);
+        }
         const DecimalText t = format_decimal(v);
         return comn_text_out(t.buf, t.len, destfmt, dest, destlen);
     } else if constexpr (std::is_same_v<D, tok_varchar>) {
