@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "errors/assert.h"
+#include "kescomn/conv_float.h"
 #include "kescomn/conv_int.h"
 #include "kesintl.h"
 
@@ -120,8 +121,8 @@ constexpr TextCells varchar_cells{}; // CS_VARCHAR
 constexpr TextCells bin_cells{};     // CS_BINARY, CS_LONGBINARY, CS_IMAGE
 constexpr TextCells varbin_cells{};  // CS_VARBINARY
 constexpr TextCells unichar_cells{}; // CS_UNICHAR, CS_UNITEXT
-constexpr ScalarCells flt4_cells{};
-constexpr ScalarCells flt8_cells{};
+constexpr ScalarCells flt4_cells = KES_INT_CELLS(flt4); // floats fill the same members
+constexpr ScalarCells flt8_cells = KES_INT_CELLS(flt8);
 constexpr ScalarCells money_cells{};
 constexpr ScalarCells mny4_cells{};
 constexpr ScalarCells num_cells{}; // CS_NUMERIC, CS_DECIMAL
