@@ -1,0 +1,23 @@
+# Fails when the shared library exports a name that is not the library's own,
+# or a private one (a double underscore after the prefix).
+execute_process(COMMAND nm -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols RESULT_VARIABLE status)
+if(NOT status EQUAL 0)
+    message(FATAL_ERROR "nm failed on ${LIBRARY}")
+endif()
+string(REPLACE "\n" ";" lines "${symbols}")
+set(count 0)
+foreach(line ${lines})
+    string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
+    string(REGEX REPLACE "@.*$" "" name "${name}")
+    if(name STREQUAL "" OR name MATCHES "^KES[A-Z0-9_]+$")
+        continue()  # version nodes
+    endif()
+    if(NOT name MATCHES "${ALLOWED}")
+        message(FATAL_ERROR "unexpected export: ${name}")
+    endif()
+    if(name MATCHES "^(com|comn|comnb|lm|cfg|intl)__")
+        message(FATAL_ERROR "private name exported: ${name}")
+    endif()
+    math(EXPR count "${count} + 1")
+endforeach()
+message(STATUS "${count} exported names, all the library's own")
