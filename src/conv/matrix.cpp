@@ -8,6 +8,7 @@
 #include "errors/assert.h"
 #include "kescomn/conv_float.h"
 #include "kescomn/conv_int.h"
+#include "kescomn/conv_string.h"
 #include "kesintl.h"
 
 namespace {
@@ -116,8 +117,8 @@ constexpr void long_cells(Matrix &m, int row)
 
 // Cells of the rows whose families have not all landed; a family that lands
 // names its functions here.
-constexpr TextCells char_cells{};    // CS_CHAR, CS_LONGCHAR, CS_TEXT
-constexpr TextCells varchar_cells{}; // CS_VARCHAR
+constexpr TextCells char_cells{.scalar = {.tochar = comn_chartochar, .tovarchar = comn_chartovarchar}}; // CS_CHAR, CS_LONGCHAR, CS_TEXT
+constexpr TextCells varchar_cells{.scalar = {.tochar = comn_varchartochar, .tovarchar = comn_varchartovarchar}}; // CS_VARCHAR
 constexpr TextCells bin_cells{};     // CS_BINARY, CS_LONGBINARY, CS_IMAGE
 constexpr TextCells varbin_cells{};  // CS_VARBINARY
 constexpr TextCells unichar_cells{}; // CS_UNICHAR, CS_UNITEXT
@@ -170,8 +171,19 @@ constexpr Matrix build_matrix()
 
     long_cells(m, CS_LONG_TYPE);
     put(m, CS_SENSITIVITY_TYPE, {8}, comn_i8toi4);
+    // The text-only character rows: each converts to the plain text types,
+    // to itself and to CS_VARCHAR.
+    put(m, CS_SENSITIVITY_TYPE, {0, 2, 4, 21}, comn_chartochar);
+    put(m, CS_BOUNDARY_TYPE, {0, 2, 4, 22}, comn_chartochar);
+    put(m, CS_XML_TYPE, {0, 2, 4, 34}, comn_chartochar);
+    for (int row : {CS_SENSITIVITY_TYPE, CS_BOUNDARY_TYPE, CS_XML_TYPE})
+        put(m, row, {18}, comn_chartovarchar);
     for (int locator : {CS_TEXTLOCATOR_TYPE, CS_IMAGELOCATOR_TYPE, CS_UNITEXTLOCATOR_TYPE})
         long_cells(m, locator);
+    // A void source gives the destination's null; locators have none to give.
+    for (int col = 0; col <= CS_BIGTIME_TYPE; col++)
+        put(m, CS_VOID_TYPE, {col}, comn_voidtoany);
+    put(m, CS_VOID_TYPE, {CS_VOID_TYPE}, comn_voidtovoid);
     return m;
 }
 
