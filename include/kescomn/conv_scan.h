@@ -63,6 +63,34 @@ KES_COMN_CONV(comn_chartobin);
    bad odd first digit is not refused but stores 0xFF. */
 KES_COMN_CONV(comn_chartovarbin);
 
+/* CS_VARCHAR sources: the same members reading len bytes of str (the server
+   layer takes src->value and src->len as for text).  Differences: hexadecimal
+   digits left over are CS_EOVERFLOW; into a CS_VARBINARY an odd first digit is
+   tested, a cut leaves *destlen at the bytes stored, and filling
+   destfmt->maxlength bytes or more is CS_EOVERFLOW. */
+KES_COMN_CONV(comn_varchartoi1);
+KES_COMN_CONV(comn_varchartoi2);
+KES_COMN_CONV(comn_varchartoi4);
+KES_COMN_CONV(comn_varchartoi8);
+KES_COMN_CONV(comn_varchartoui2);
+KES_COMN_CONV(comn_varchartoui4);
+KES_COMN_CONV(comn_varchartoui8);
+KES_COMN_CONV(comn_varchartobit);
+KES_COMN_CONV(comn_varchartoflt4);
+KES_COMN_CONV(comn_varchartoflt8);
+KES_COMN_CONV(comn_varchartobin);
+KES_COMN_CONV(comn_varchartovarbin);
+KES_COMNB_CONV(comnb_varchartoi1);
+KES_COMNB_CONV(comnb_varchartoi2);
+KES_COMNB_CONV(comnb_varchartoi4);
+KES_COMNB_CONV(comnb_varchartoi8);
+KES_COMNB_CONV(comnb_varchartoui2);
+KES_COMNB_CONV(comnb_varchartoui4);
+KES_COMNB_CONV(comnb_varchartoui8);
+KES_COMNB_CONV(comnb_varchartobit);
+KES_COMNB_CONV(comnb_varchartoflt4);
+KES_COMNB_CONV(comnb_varchartoflt8);
+
 KES_END_DECLS
 
 #endif /* KESCOMN_CONV_SCAN_H */

@@ -269,11 +269,25 @@ constexpr bool is_binary_family(CS_INT code)
     return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
 }
 
+// A text source: where its bytes are, and how a cut of its hexadecimal
+// digits is reported.
 struct from_char {
+    static constexpr CS_RETCODE cut = CS_TRUNCATED;
     static bool admits(CS_INT code) { return is_char_family(code); }
     static SourceText text(CS_DATAFMT *srcfmt, CS_VOID *src)
     {
         return {static_cast<CS_CHAR *>(src), srcfmt->maxlength};
+    }
+};
+
+struct from_varchar {
+    static constexpr CS_RETCODE cut = CS_EOVERFLOW;
+    static bool admits(CS_INT code) { return code == CS_VARCHAR_TYPE; }
+    static SourceText text(CS_DATAFMT *, CS_VOID *src)
+    {
+        auto *vc = static_cast<CS_VARCHAR *>(src);
+        KES_ASSERT(vc->len <= CS_MAX_CHAR);
+        return {vc->str, vc->len};
     }
 };
 
@@ -411,7 +425,7 @@ CS_RETCODE comn_hex_to_bin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src
         return KES_TRACE(CS_EOVERFLOW);
     case HexStatus::truncated:
         *destlen = h.stored;
-        return KES_TRACE(CS_TRUNCATED);
+        return KES_TRACE(S::cut);
     case HexStatus::done:
         break;
     }
@@ -419,7 +433,10 @@ CS_RETCODE comn_hex_to_bin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src
     return comn__padbin(*destlen, destfmt, dest, destlen);
 }
 
-// Text to the 256 bytes of a CS_VARBINARY; no fill.
+// Text to the 256 bytes of a CS_VARBINARY; no fill.  The two sources differ:
+// CS_VARCHAR tests an odd first digit, reports a cut as CS_EOVERFLOW with
+// *destlen at the bytes stored, and calls a full destfmt->maxlength an
+// overflow too.
 template <class S>
 CS_RETCODE comn_hex_to_varbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                               CS_VOID *dest, CS_INT *destlen)
@@ -431,10 +448,11 @@ CS_RETCODE comn_hex_to_varbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *
     KES_NOT_NULL(destlen);
     KES_ASSERT(S::admits(srcfmt->datatype));
     KES_ASSERT(destfmt->datatype == CS_VARBINARY_TYPE);
+    constexpr bool from_text = std::is_same_v<S, from_char>;
     SourceText t = S::text(srcfmt, src);
     comn__hex2binbytes(&t.p, &t.len);
     auto *vb = static_cast<CS_VARBINARY *>(dest);
-    const HexResult h = hex_to_bytes(t.p, t.len, vb->array, CS_MAX_CHAR, false);
+    const HexResult h = hex_to_bytes(t.p, t.len, vb->array, CS_MAX_CHAR, !from_text);
     if (h.status == HexStatus::syntax) {
         vb->len = 0;
         *destlen = 0;
@@ -442,7 +460,14 @@ CS_RETCODE comn_hex_to_varbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *
     }
     vb->len = static_cast<CS_SMALLINT>(h.stored);
     *destlen = sizeof(CS_VARBINARY);
-    return h.status == HexStatus::truncated ? KES_TRACE(CS_TRUNCATED) : CS_SUCCEED;
+    if (h.status == HexStatus::truncated) {
+        if (!from_text)
+            *destlen = h.stored;
+        return KES_TRACE(S::cut);
+    }
+    if (!from_text && h.stored >= destfmt->maxlength)
+        return KES_TRACE(CS_EOVERFLOW);
+    return CS_SUCCEED;
 }
 
 } // namespace
@@ -539,10 +564,13 @@ CS_INT com__conv2ascii(const CS_CHAR *src, CS_INT srclen, CS_CHAR *dest, CS_INT 
     {                                                                                         \
         return comnb_scan<to_##d>(context, src, dest);                                        \
     }
-#define KES_DEFINE_CHAR(d) KES_DEFINE_COMN_SCAN(from_char, char, d) KES_DEFINE_COMNB_SCAN(char, d)
+#define KES_DEFINE_TEXT(d)                                                                    \
+    KES_DEFINE_COMN_SCAN(from_char, char, d) KES_DEFINE_COMNB_SCAN(char, d)                   \
+    KES_DEFINE_COMN_SCAN(from_varchar, varchar, d) KES_DEFINE_COMNB_SCAN(varchar, d)
 
-KES_SCAN_DESTS(KES_DEFINE_CHAR)
+KES_SCAN_DESTS(KES_DEFINE_TEXT)
 KES_DEFINE_COMN_SCAN(from_char, char, bit)
+KES_DEFINE_COMN_SCAN(from_varchar, varchar, bit)
 
 extern "C" {
 
@@ -556,6 +584,18 @@ CS_RETCODE comn_chartovarbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *s
                              CS_VOID *dest, CS_INT *destlen)
 {
     return comn_hex_to_varbin<from_char>(context, srcfmt, src, destfmt, dest, destlen);
+}
+
+CS_RETCODE comn_varchartobin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
+                             CS_VOID *dest, CS_INT *destlen)
+{
+    return comn_hex_to_bin<from_varchar>(context, srcfmt, src, destfmt, dest, destlen);
+}
+
+CS_RETCODE comn_varchartovarbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
+                                CS_VOID *dest, CS_INT *destlen)
+{
+    return comn_hex_to_varbin<from_varchar>(context, srcfmt, src, destfmt, dest, destlen);
 }
 
 // Bytes only, whatever the character set: signs and blanks in any mix, then
@@ -578,6 +618,12 @@ CS_RETCODE comnb_chartobit(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *d
         return KES_TRACE(CS_ESYNTAX);
     dest->value[0] = bit;
     return CS_SUCCEED;
+}
+
+// The server hands a CS_VARCHAR over as its text and length.
+CS_RETCODE comnb_varchartobit(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest)
+{
+    return comnb_chartobit(context, src, dest);
 }
 
 } // extern "C"
