@@ -218,10 +218,11 @@ template <ServerFill F> CS_RETCODE server_text(CAST_CONTEXT *context, __CONSTANT
 {
     CS_INT len = clamp0(std::min(src->len, dest->maxlen));
     // Right-justified blank fill writes its blanks in front of the text, so
-    // the text goes to the end of the capacity.
+    // the text goes to the end of the capacity; with a NUL fill or a
+    // terminator the fill refuses the format and the text stays in front.
     const CS_INT format = context->format;
     const bool at_end = F == ServerFill::text && (format & CS_FMT_JUSTIFY_RT) && (format & CS_FMT_PADBLANK) &&
-                        !(format & CS_FMT_PADNULL);
+                        !(format & (CS_FMT_PADNULL | CS_FMT_NULLTERM));
     if (len > 0) {
         KES_ASSERT(src->locale == dest->locale); // the server never translates here
         const CHAR_ATTRIB *attrib = context->char_attrib;
