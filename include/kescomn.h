@@ -17,6 +17,7 @@
 #include "kescomn/numeric.h"
 #include "kescomn/money.h"
 #include "kescomn/datetime.h"
+#include "kescomn/datetext.h"
 #include "kescomn/nulls.h"
 #include "kescomn/lm.h"
 #include "kescomn/mm.h"
