@@ -7,11 +7,15 @@ namespace kes::test {
 Context::Context()
 {
     std::memset(&ctx_, 0, sizeof ctx_);
-    if (com_conv_init(&ctx_) != CS_SUCCEED)
-        throw std::runtime_error("com_conv_init failed");
+    if (com_conv_init(&ctx_) != CS_SUCCEED || com_null_init(&ctx_) != CS_SUCCEED)
+        throw std::runtime_error("context set-up failed");
 }
 
-Context::~Context() { com_conv_free(&ctx_); }
+Context::~Context()
+{
+    com_null_free(&ctx_);
+    com_conv_free(&ctx_);
+}
 
 CS_DATAFMT fmt(CS_INT datatype, CS_INT maxlength, CS_INT format, CS_INT precision, CS_INT scale)
 {
