@@ -56,7 +56,10 @@ KES_COMN_CONV(comn_varbintodate4);
 KES_COMN_CONV(comn_varbintodatetime);
 KES_COMN_CONV(comn_varbintobigdatetime);
 KES_COMN_CONV(comn_varbintobigtime);
-/* CS_DATE and CS_TIME bytes; no range test from a CS_VARBINARY. */
+/* CS_DATE and CS_TIME bytes.  From CS_BINARY a value out of the type's range
+   sets *destlen 0 and gives CS_EDOMAIN; a CS_VARBINARY source is not tested. */
+KES_COMN_CONV(comn_bintodatea);
+KES_COMN_CONV(comn_bintotimea);
 KES_COMN_CONV(comn_varbintodatea);
 KES_COMN_CONV(comn_varbintotimea);
 
@@ -89,6 +92,21 @@ KES_COMN_CONV(comn_varbintovarbin);
 
 /* Server layer: 1 if any source byte is not 0. */
 KES_COMNB_CONV(comnb_bintobit);
+
+/* Server layer: the bytes through comnb_anytofixed (dest->maxlen), then a
+   validity or range test of the destination's bytes: failing it sets
+   dest->len 0 and gives CS_EDOMAIN.  Otherwise the move's result, except for
+   the two big types, which then answer CS_SUCCEED. */
+KES_COMNB_CONV(comnb_bintodate);
+KES_COMNB_CONV(comnb_bintodatea);
+KES_COMNB_CONV(comnb_bintotimea);
+KES_COMNB_CONV(comnb_bintobigdatetime);
+KES_COMNB_CONV(comnb_bintobigtime);
+
+/* Server layer: a sign byte of 0 or 1 (else CS_EDOMAIN) and a magnitude that,
+   filled as the destination would be, fits dest->prec (else CS_EOVERFLOW);
+   then copied like comnb_anytofixed without its float test. */
+KES_COMNB_CONV(comnb_bintonum);
 
 /* Server layer: the integer at src->value as upper-case hexadecimal digits
    filling dest->maxlen - 1 bytes ("0"s in front), then a NUL.  CS_ESYNTAX for

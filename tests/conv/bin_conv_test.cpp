@@ -334,6 +334,126 @@ TEST(BinConv, BytesToVarbinaryHoldAtMost256)
     EXPECT_EQ(out.array[255], 0x17);
 }
 
+TEST(BinConv, DateAndTimeFromBinaryAreRangeTested)
+{
+    Context ctx;
+    struct RangeCase {
+        CS_CONV_FUNC f;
+        CS_INT desttype;
+        CS_INT value;
+        CS_INT n; // source bytes
+        CS_RETCODE rc;
+        CS_INT destlen;
+    };
+    constexpr CS_INT kTicksPerDay = 300 * 86400;
+    const RangeCase cases[] = {
+        {comn_bintotimea, CS_TIME_TYPE, 0, 4, CS_SUCCEED, 4},
+        {comn_bintotimea, CS_TIME_TYPE, kTicksPerDay - 1, 4, CS_SUCCEED, 4},
+        {comn_bintotimea, CS_TIME_TYPE, kTicksPerDay, 4, CS_EDOMAIN, 0},
+        {comn_bintotimea, CS_TIME_TYPE, -1, 4, CS_EDOMAIN, 0},
+        {comn_bintotimea, CS_TIME_TYPE, 5, 5, CS_TRUNCATED, 4},
+        {comn_bintodatea, CS_DATE_TYPE, 0, 4, CS_SUCCEED, 4},
+        {comn_bintodatea, CS_DATE_TYPE, 0x7FFFFFFF, 4, CS_EDOMAIN, 0},
+    };
+    for (const RangeCase &c : cases) {
+        SCOPED_TRACE(std::to_string(c.value) + " from " + std::to_string(c.n));
+        CS_BYTE bytes[8] = {};
+        std::memcpy(bytes, &c.value, 4);
+        CS_DATAFMT sf = kes::test::fmt(CS_BINARY_TYPE, c.n);
+        CS_DATAFMT df = kes::test::fmt(c.desttype);
+        CS_INT out = 0, destlen = -1;
+        EXPECT_EQ(code_name(c.f(ctx.get(), &sf, bytes, &df, &out, &destlen)), code_name(c.rc));
+        EXPECT_EQ(destlen, c.destlen);
+    }
+}
+
+struct Server {
+    CAST_CONTEXT cc{};
+    std::vector<CS_BYTE> in;
+    CS_BYTE out[40];
+    __CONSTANT src{}, dest{};
+
+    Server(std::vector<CS_BYTE> bytes, CS_INT maxlen) : in(std::move(bytes))
+    {
+        std::memset(out, 0xEE, sizeof out);
+        src = kes::test::constant(in.data(), static_cast<CS_INT>(in.size()), 0);
+        dest = kes::test::constant(out, -1, maxlen);
+    }
+};
+
+std::vector<CS_BYTE> bytes_of(const void *p, size_t n)
+{
+    const auto *b = static_cast<const CS_BYTE *>(p);
+    return std::vector<CS_BYTE>(b, b + n);
+}
+
+TEST(BinConvServer, DateBytesAreTestedAfterTheMove)
+{
+    const CS_DATETIME good{0, 0};
+    Server ok(bytes_of(&good, 8), 8);
+    EXPECT_EQ(comnb_bintodate(&ok.cc, &ok.src, &ok.dest), CS_SUCCEED);
+    EXPECT_EQ(ok.dest.len, 8);
+
+    const CS_DATETIME bad{-2147483647, 0};
+    Server refused(bytes_of(&bad, 8), 8);
+    EXPECT_EQ(comnb_bintodate(&refused.cc, &refused.src, &refused.dest), CS_EDOMAIN);
+    EXPECT_EQ(refused.dest.len, 0);
+
+    const CS_INT time = -1;
+    Server t(bytes_of(&time, 4), 4);
+    EXPECT_EQ(comnb_bintotimea(&t.cc, &t.src, &t.dest), CS_EDOMAIN);
+    EXPECT_EQ(t.dest.len, 0);
+
+    // A big time in range answers CS_SUCCEED even when the move cut it.
+    std::vector<CS_BYTE> nine(9, 0);
+    Server cut(nine, 8);
+    EXPECT_EQ(comnb_bintobigtime(&cut.cc, &cut.src, &cut.dest), CS_SUCCEED);
+    EXPECT_EQ(cut.dest.len, 8);
+    Server far(std::vector<CS_BYTE>(8, 0xFF), 8);
+    EXPECT_EQ(comnb_bintobigtime(&far.cc, &far.src, &far.dest), CS_EDOMAIN);
+    Server big(std::vector<CS_BYTE>(8, 0xFF), 8);
+    EXPECT_EQ(comnb_bintobigdatetime(&big.cc, &big.src, &big.dest), CS_EDOMAIN);
+    EXPECT_EQ(big.dest.len, 0);
+    // The test reads the destination, so a short source is judged together
+    // with the byte it left alone.
+    const CS_INT day = 0;
+    Server shorter(bytes_of(&day, 3), 4);
+    EXPECT_EQ(comnb_bintodatea(&shorter.cc, &shorter.src, &shorter.dest), CS_EDOMAIN);
+    Server cleared(bytes_of(&day, 3), 4);
+    std::memset(cleared.out, 0, sizeof cleared.out);
+    EXPECT_EQ(comnb_bintodatea(&cleared.cc, &cleared.src, &cleared.dest), CS_SUCCEED);
+    EXPECT_EQ(cleared.dest.len, 3);
+}
+
+TEST(BinConvServer, NumericSignAndPrecisionAfterTheFill)
+{
+    struct NumCase {
+        std::vector<CS_BYTE> bytes;
+        CS_INT maxlen, format, prec;
+        CS_RETCODE rc;
+        CS_INT len;
+    };
+    const NumCase cases[] = {
+        {{0x00, 0x63}, 2, 0, 2, CS_SUCCEED, 2},
+        {{0x01, 0x63}, 2, 0, 2, CS_SUCCEED, 2},
+        {{0x00, 0x64}, 2, 0, 2, CS_EOVERFLOW, -1},
+        {{0x02, 0x01}, 2, 0, 2, CS_EDOMAIN, -1},
+        {{0x00, 0x63}, 3, 0, 2, CS_SUCCEED, 2},
+        // Filled with a NUL the magnitude is 99 * 256, too wide for 2 digits.
+        {{0x00, 0x63}, 3, CS_FMT_PADNULL, 2, CS_EOVERFLOW, -1},
+        {{0x00, 0x63}, 3, CS_FMT_PADNULL, 5, CS_SUCCEED, 3},
+        {{0x00, 0x00, 0x05}, 2, 0, 2, CS_TRUNCATED, 2},
+    };
+    for (const NumCase &c : cases) {
+        SCOPED_TRACE(hex(c.bytes.data(), c.bytes.size()) + " into " + std::to_string(c.maxlen));
+        Server s(c.bytes, c.maxlen);
+        s.cc.format = c.format;
+        s.dest.prec = static_cast<CS_BYTE>(c.prec);
+        EXPECT_EQ(code_name(comnb_bintonum(&s.cc, &s.src, &s.dest)), code_name(c.rc));
+        EXPECT_EQ(s.dest.len, c.len);
+    }
+}
+
 TEST(BinConvDeath, EmptySourcesAndWrongTypes)
 {
     Context ctx;
