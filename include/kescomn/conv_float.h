@@ -44,6 +44,8 @@ KES_BEGIN_DECLS
     KES_COMN_CONV(comn_##p##tobit);     \
     KES_COMN_CONV(comn_##p##toflt4);    \
     KES_COMN_CONV(comn_##p##toflt8);    \
+    KES_COMN_CONV(comn_##p##tomoney);   \
+    KES_COMN_CONV(comn_##p##tomny4);    \
     KES_COMN_CONV(comn_##p##tochar);    \
     KES_COMN_CONV(comn_##p##tovarchar); \
     KES_COMN_CONV(comn_##p##tobin);     \
@@ -58,6 +60,8 @@ KES_BEGIN_DECLS
     KES_COMNB_CONV(comnb_##p##tobit);   \
     KES_COMNB_CONV(comnb_##p##toflt4);  \
     KES_COMNB_CONV(comnb_##p##toflt8);  \
+    KES_COMNB_CONV(comnb_##p##tomoney); \
+    KES_COMNB_CONV(comnb_##p##tomny4);  \
     KES_COMNB_CONV(comnb_##p##tochar);  \
     KES_COMNB_CONV(comnb_##p##tovarchar)
 

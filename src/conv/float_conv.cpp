@@ -12,6 +12,7 @@
 #include "conv/scalar_io.h"
 #include "errors/assert.h"
 #include "kescomn/conv_float.h"
+#include "numeric/mny.h"
 
 namespace {
 
@@ -33,6 +34,8 @@ struct tok_ui2 : Token<CS_USMALLINT, CS_USMALLINT_TYPE> {};
 struct tok_ui4 : Token<CS_UINT, CS_UINT_TYPE> {};
 struct tok_ui8 : Token<CS_UBIGINT, CS_UBIGINT_TYPE> {};
 struct tok_bit : Token<CS_BIT, CS_BIT_TYPE> {};
+struct tok_money : Token<CS_MONEY, CS_MONEY_TYPE> {};
+struct tok_mny4 : Token<CS_MONEY4, CS_MONEY4_TYPE> {};
 struct tok_char {};
 struct tok_varchar {};
 struct tok_bin {};
@@ -45,6 +48,8 @@ template <class D> constexpr bool is_int_token =
     std::is_same_v<D, tok_i1> || std::is_same_v<D, tok_i2> || std::is_same_v<D, tok_i4> ||
     std::is_same_v<D, tok_i8> || std::is_same_v<D, tok_ui2> || std::is_same_v<D, tok_ui4> ||
     std::is_same_v<D, tok_ui8>;
+
+template <class D> constexpr bool is_money_token = std::is_same_v<D, tok_money> || std::is_same_v<D, tok_mny4>;
 
 template <class D> constexpr bool admits_dest(CS_INT code)
 {
@@ -181,6 +186,18 @@ template <class S, class D> CS_RETCODE float_to_float(typename S::type v, void *
     return CS_SUCCEED;
 }
 
+// ---- float to money --------------------------------------------------------------
+
+// The money kernels' answer: the size stored, or -1 beyond the range.
+template <class S, class D> int float_to_money(typename S::type v, void *dest)
+{
+    constexpr CS_INT size = sizeof v;
+    if constexpr (std::is_same_v<S, tok_flt8>)
+        return std::is_same_v<D, tok_money> ? com__flt8tomny(&v, size, dest, 8, 0) : com__flt8tomny4(&v, size, dest, 0);
+    else
+        return std::is_same_v<D, tok_money> ? com__flt4tomny(&v, size, dest, 8, 0) : com__flt4tomny4(&v, size, dest, 0);
+}
+
 // ---- text ----------------------------------------------------------------------
 
 // "%.17g" of the value (a single widened first, so it shows the digits of its
@@ -262,6 +279,9 @@ CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, C
     } else if constexpr (is_float_token<D>) {
         *destlen = sizeof(typename D::type);
         return float_to_float<S, D>(v, dest);
+    } else if constexpr (is_money_token<D>) {
+        *destlen = sizeof(typename D::type);
+        return float_to_money<S, D>(v, dest) < 0 ? KES_TRACE(CS_EOVERFLOW) : CS_SUCCEED;
     } else if constexpr (std::is_same_v<D, tok_char>) {
         KES_ASSERT(destfmt->maxlength >= 0);
         return comn_text_out(format_float(v), destfmt, dest, destlen);
@@ -295,6 +315,13 @@ template <class S, class D> CS_RETCODE comnb_convert(CAST_CONTEXT *context, __CO
     } else if constexpr (is_float_token<D>) {
         dest->len = sizeof(typename D::type);
         return float_to_float<S, D>(v, dest->value);
+    } else if constexpr (is_money_token<D>) {
+        dest->len = sizeof(typename D::type);
+        if (float_to_money<S, D>(v, dest->value) >= 0)
+            return CS_SUCCEED;
+        if constexpr (std::is_same_v<S, tok_flt4>)
+            dest->len = 0; // only the single source clears the length
+        return KES_TRACE(CS_EOVERFLOW);
     } else if constexpr (std::is_same_v<D, tok_char>) {
         const FloatText t = format_float(v);
         dest->len = t.len < dest->maxlen ? t.len : dest->maxlen;
@@ -324,7 +351,7 @@ template <class S, class D> CS_RETCODE comnb_convert(CAST_CONTEXT *context, __CO
 
 #define KES_COMNB_DESTS(X, s)                                                                \
     X(s, i1) X(s, i2) X(s, i4) X(s, i8) X(s, ui2) X(s, ui4) X(s, ui8) X(s, bit) X(s, flt4)  \
-    X(s, flt8) X(s, char) X(s, varchar)
+    X(s, flt8) X(s, money) X(s, mny4) X(s, char) X(s, varchar)
 #define KES_COMN_DESTS(X, s) KES_COMNB_DESTS(X, s) X(s, bin) X(s, varbin)
 
 #define KES_DEFINE_COMN(s, d)                                                                \
