@@ -6,9 +6,11 @@
 #include <initializer_list>
 
 #include "errors/assert.h"
+#include "kescomn/conv_bin.h"
 #include "kescomn/conv_float.h"
 #include "kescomn/conv_int.h"
 #include "kescomn/money.h"
+#include "kescomn/conv_scan.h"
 #include "kescomn/conv_string.h"
 #include "kesintl.h"
 
@@ -122,10 +124,38 @@ constexpr void long_cells(Matrix &m, int row)
 
 // Cells of the rows whose families have not all landed; a family that lands
 // names its functions here.
-constexpr TextCells char_cells{.scalar = {.tochar = comn_chartochar, .tovarchar = comn_chartovarchar}}; // CS_CHAR, CS_LONGCHAR, CS_TEXT
-constexpr TextCells varchar_cells{.scalar = {.tochar = comn_varchartochar, .tovarchar = comn_varchartovarchar}}; // CS_VARCHAR
-constexpr TextCells bin_cells{};     // CS_BINARY, CS_LONGBINARY, CS_IMAGE
-constexpr TextCells varbin_cells{};  // CS_VARBINARY
+// Text to text, numbers and bytes; the CS_CHAR and CS_VARCHAR rows alike.
+#define KES_TEXT_CELLS(p)                                                                    \
+    TextCells                                                                                \
+    {                                                                                        \
+        .scalar = {.tochar = comn_##p##tochar, .tobin = comn_##p##tobin, .toi1 = comn_##p##toi1, \
+                   .toi2 = comn_##p##toi2, .toi4 = comn_##p##toi4, .toflt4 = comn_##p##toflt4, \
+                   .toflt8 = comn_##p##toflt8, .tobit = comn_##p##tobit,                     \
+                   .tovarchar = comn_##p##tovarchar, .tovarbin = comn_##p##tovarbin,         \
+                   .toi8 = comn_##p##toi8, .toui2 = comn_##p##toui2, .toui4 = comn_##p##toui4, \
+                   .toui8 = comn_##p##toui8}                                                 \
+    }
+// Bytes as every fixed type, as hexadecimal text and as bytes.
+#define KES_BYTES_CELLS(p)                                                                   \
+    TextCells                                                                                \
+    {                                                                                        \
+        .scalar = {.tochar = comn_##p##tochar, .tobin = comn_##p##tobin, .toi1 = comn_##p##toi1, \
+                   .toi2 = comn_##p##toi2, .toi4 = comn_##p##toi4, .toflt4 = comn_##p##toflt4, \
+                   .toflt8 = comn_##p##toflt8, .tobit = comn_##p##tobit,                     \
+                   .tomoney = comn_##p##tomoney, .tomny4 = comn_##p##tomny4,                 \
+                   .tonum = comn_##p##tonum, .tovarchar = comn_##p##tovarchar,               \
+                   .tovarbin = comn_##p##tovarbin, .toi8 = comn_##p##toi8,                   \
+                   .toui2 = comn_##p##toui2, .toui4 = comn_##p##toui4, .toui8 = comn_##p##toui8}, \
+        .todatetime = comn_##p##todatetime, .todate4 = comn_##p##todate4,                    \
+        .todatea = comn_##p##todatea, .totimea = comn_##p##totimea,                          \
+        .tobigdatetime = comn_##p##tobigdatetime, .tobigtime = comn_##p##tobigtime           \
+    }
+constexpr TextCells char_cells = KES_TEXT_CELLS(char);       // CS_CHAR, CS_LONGCHAR, CS_TEXT
+constexpr TextCells varchar_cells = KES_TEXT_CELLS(varchar); // CS_VARCHAR
+constexpr TextCells bin_cells = KES_BYTES_CELLS(bin);        // CS_BINARY, CS_LONGBINARY, CS_IMAGE
+constexpr TextCells varbin_cells = KES_BYTES_CELLS(varbin);  // CS_VARBINARY
+#undef KES_TEXT_CELLS
+#undef KES_BYTES_CELLS
 constexpr TextCells unichar_cells{}; // CS_UNICHAR, CS_UNITEXT
 constexpr ScalarCells flt4_cells = KES_INT_CELLS(flt4); // floats fill the same members
 constexpr ScalarCells flt8_cells = KES_INT_CELLS(flt8);
@@ -183,6 +213,8 @@ constexpr Matrix build_matrix()
     put(m, CS_XML_TYPE, {0, 2, 4, 34}, comn_chartochar);
     for (int row : {CS_SENSITIVITY_TYPE, CS_BOUNDARY_TYPE, CS_XML_TYPE})
         put(m, row, {18}, comn_chartovarchar);
+    put(m, CS_XML_TYPE, {1, 3, 5}, comn_chartobin);
+    put(m, CS_XML_TYPE, {19}, comn_chartovarbin);
     for (int locator : {CS_TEXTLOCATOR_TYPE, CS_IMAGELOCATOR_TYPE, CS_UNITEXTLOCATOR_TYPE})
         long_cells(m, locator);
     // A void source gives the destination's null; locators have none to give.
