@@ -46,8 +46,9 @@ KES_API CS_RETCODE comn_time(CS_INT format, CS_BOOL is12hour, CS_CHAR *buffer, C
 /* Text to a date type: datatype CS_DATETIME_TYPE, CS_DATETIME4_TYPE,
    CS_DATE_TYPE, CS_TIME_TYPE, CS_BIGDATETIME_TYPE or CS_BIGTIME_TYPE, stored at
    dest.  style picks the year rules of numeric dates (0 tolerant), order the
-   field order; months and shortmonths (12 names each) may be null, so may
-   chatr (ISO 8859-1) and truncated (set when a fraction lost digits).
+   field order; months and shortmonths (12 names each) may be null for the
+   English names, chatr for ISO 8859-1, and truncated (set when a fraction
+   lost digits).
    0 on success; -1 syntax; -2 tokens left over; 1 a value out of range; 2 bad
    month; 3 bad day; 4 to 7 bad hour, minute, second, fraction; 9 hour and
    AM/PM contradict; 99 never; -107 (CS_EDOMAIN) for another datatype. */

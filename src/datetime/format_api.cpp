@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "conv/scalar_io.h"
+#include "datetime/calendar.h"
 #include "datetime/format.h"
 #include "datetime/parse.h"
 #include "errors/assert.h"
@@ -107,6 +108,10 @@ CS_INT comn_date_parse(CS_INT datatype, CS_CHAR *text, CS_INT textlen, CS_INT st
 {
     KES_NOT_NULL(dest);
     KES_ASSERT(text != nullptr || textlen == 0);
+    if (months == nullptr)
+        months = Com__en_months;
+    if (shortmonths == nullptr)
+        shortmonths = kes::datetext::en_short_months();
     CS_BOOL lost = 0;
     CS_INT rc;
     switch (datatype) {
