@@ -33,6 +33,21 @@ KESINTL_API size_t intl_strlcpy(char *dest, const char *src, size_t size);
    Returns the length the whole string would have had. */
 KESINTL_API size_t intl_strlcat(char *dest, const char *src, size_t size);
 
+/* Negative results of the environment and home lookups. */
+#define INTL_EBADARG (-1)  /* null buffer or name, or a size below 1 */
+#define INTL_ENOSPACE (-2) /* the value does not fit in the buffer */
+#define INTL_ENOHOME (-3)  /* no home directory is known */
+
+/* Copies the value of the environment variable name into buf of buflen
+   bytes and returns its length; 0 (buf empty) when it is not set.  A value
+   that does not fit leaves buf alone and gives INTL_ENOSPACE. */
+KESINTL_API int intlgetenv(char *buf, int buflen, const char *name);
+
+/* Writes the home directory of the installation into buf and returns its
+   length: the value of KESTOR when set and not empty, else the home this
+   build was configured with.  Negative (INTL_*) on failure, buf untouched. */
+KESINTL_API int intl_home(char *buf, int buflen);
+
 #ifdef __cplusplus
 }
 #endif
