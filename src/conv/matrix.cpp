@@ -4,12 +4,14 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <utility>
 
 #include "errors/assert.h"
 #include "kescomn/conv_bin.h"
 #include "kescomn/conv_float.h"
 #include "kescomn/conv_int.h"
 #include "kescomn/money.h"
+#include "kescomn/numeric.h"
 #include "kescomn/conv_scan.h"
 #include "kescomn/conv_string.h"
 #include "kesintl.h"
@@ -106,6 +108,7 @@ constexpr void long_cells(Matrix &m, int row)
     put(m, row, {31}, comn_i8toui2);
     put(m, row, {32}, comn_i8toui4);
     put(m, row, {33}, comn_i8toui8);
+    put(m, row, {16, 17}, comn_i8tonum);
 }
 
 // The money members go in the middle of the designated initializers, so the
@@ -190,6 +193,12 @@ constexpr Matrix build_matrix()
     scalar_row(m, CS_UINT_TYPE, KES_INT_CELLS(ui4));
     scalar_row(m, CS_UBIGINT_TYPE, KES_INT_CELLS(ui8));
     scalar_row(m, CS_BIT_TYPE, KES_SCALAR_CELLS(bit, )); // no money cells: bit to money is server-only
+    // Integers to numeric; kept out of KES_INT_CELLS, which the float rows share.
+    for (auto [row, f] : std::initializer_list<std::pair<int, F>>{
+             {CS_TINYINT_TYPE, comn_i1tonum}, {CS_SMALLINT_TYPE, comn_i2tonum}, {CS_INT_TYPE, comn_i4tonum},
+             {CS_BIGINT_TYPE, comn_i8tonum}, {CS_USMALLINT_TYPE, comn_ui2tonum}, {CS_UINT_TYPE, comn_ui4tonum},
+             {CS_UBIGINT_TYPE, comn_ui8tonum}, {CS_BIT_TYPE, comn_bittonum}})
+        put(m, row, {16, 17}, f);
     scalar_row(m, CS_REAL_TYPE, flt4_cells);
     scalar_row(m, CS_FLOAT_TYPE, flt8_cells);
     scalar_row(m, CS_MONEY_TYPE, money_cells);
