@@ -40,6 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const CS_INT format = data[1] & (CS_FMT_NULLTERM | CS_FMT_PADNULL | CS_FMT_PADBLANK);
     static kes::fuzz::ScanCharset two(false);
     std::vector<char> text(data + 2, data + size);
+    text.reserve(1); // a real buffer even for no text
     const CS_INT len = static_cast<CS_INT>(text.size());
     CS_CONTEXT context{};
 

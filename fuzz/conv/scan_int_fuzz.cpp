@@ -42,6 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     CS_ATTRIB *attr = sets[data[0] % 3];
     // An exact-size copy, so that any read past the text is caught.
     std::vector<char> text(data + 1, data + size);
+    text.reserve(1); // a real buffer even for no text
     const CS_INT len = static_cast<CS_INT>(text.size());
 
     CS_CONTEXT context{};
