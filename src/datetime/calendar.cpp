@@ -27,42 +27,30 @@ constexpr bool is_leap(int64_t year)
     return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
+// The same for a valid year: a multiple of 4 that is a multiple of 100 only
+// if also of 400, which for a multiple of 25 means of 16.
+constexpr bool is_leap(uint32_t year) { return (year & 3) == 0 && (year % 25 != 0 || (year & 15) == 0); }
+
 constexpr int64_t leap_count(int64_t year)
 {
     return year < 0 ? 0 : year / 4 - year / 100 + year / 400;
 }
 
-// Days from 0001-01-01 to January 1 of the year after `years` whole years.
-constexpr int64_t days_before(int64_t years) { return 365 * years + leap_count(years); }
-
 const MONTHCNT *month_table(int64_t dateyear) { return is_leap(dateyear) ? lmonthdays : monthdays; }
-
-// The year count y (dateyear - 1) of a day count from 0001-01-01: the largest
-// y whose start is not after the day.  Starting from the mean year length
-// leaves at most one step to take either way.
-int64_t whole_years(int64_t days)
-{
-    if (days < 0) // before year 1 no leap days are counted
-        return days / 365 - (days % 365 != 0);
-    int64_t y = days * 400 / 146097;
-    while (days_before(y + 1) <= days)
-        y++;
-    while (days_before(y) > days)
-        y--;
-    return y;
-}
 
 // Validates year, month and day of month and adds each one's days to *acc as
 // it passes, so a failing field leaves the sum of those before it.
 int make_days(const CS_DATEREC *pp, int64_t *acc)
 {
-    const int64_t year = pp->dateyear;
-    if (year < 1 || year > 9999)
+    if (pp->dateyear < 1 || pp->dateyear > 9999)
         return 1;
-    *acc += days_before(year - 1);
-    if (pp->datemonth < 0 || pp->datemonth > 11)
+    const auto year = static_cast<uint32_t>(pp->dateyear);
+    const uint32_t prior = year - 1;
+    const uint32_t centuries = prior / 100;
+    *acc += 365 * prior + prior / 4 - centuries + centuries / 4;
+    if (static_cast<uint32_t>(pp->datemonth) > 11)
         return 2;
-    const MONTHCNT &month = month_table(year)[pp->datemonth];
+    const MONTHCNT &month = (is_leap(year) ? lmonthdays : monthdays)[pp->datemonth];
     *acc += month.daysum;
     if (pp->datedmonth < 1 || pp->datedmonth > month.daysinmonth)
         return 3;
@@ -71,15 +59,15 @@ int make_days(const CS_DATEREC *pp, int64_t *acc)
 }
 
 // Validates hour, minute and second, accumulating seconds.
-int make_seconds(const CS_DATEREC *pp, int hour_max, int64_t *acc)
+int make_seconds(const CS_DATEREC *pp, uint32_t hour_max, int64_t *acc)
 {
-    if (pp->datehour < 0 || pp->datehour > hour_max)
+    if (static_cast<uint32_t>(pp->datehour) > hour_max)
         return 4;
     *acc += int64_t{pp->datehour} * 3600;
-    if (pp->dateminute < 0 || pp->dateminute > 59)
+    if (static_cast<uint32_t>(pp->dateminute) > 59)
         return 5;
     *acc += int64_t{pp->dateminute} * 60;
-    if (pp->datesecond < 0 || pp->datesecond > 59)
+    if (static_cast<uint32_t>(pp->datesecond) > 59)
         return 6;
     *acc += pp->datesecond;
     return 0;
@@ -97,28 +85,51 @@ int com__leapcnt(int year) { return static_cast<int>(leap_count(year)); }
 
 void com__datecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
 {
-    const int64_t dtdays = dtp->dtdays;
-    const int64_t days = dtdays + kEpochDays;
-    const int64_t y = whole_years(days);
-    const int64_t doy = days - days_before(y);
-    const MONTHCNT *months = month_table(y + 1);
-    int m = static_cast<int>(doy >> 5); // months are shorter than 32 days: never past the answer
-    while (m < 11 && doy >= months[m + 1].daysum)
-        m++;
-    pp->dateyear = static_cast<CS_INT>(y + 1);
-    pp->datemonth = m;
-    pp->datedmonth = static_cast<CS_INT>(doy - months[m].daysum + 1);
-    pp->datedyear = static_cast<CS_INT>(doy + 1);
-    pp->datedweek = weekday(dtdays);
+    const int64_t days = int64_t{dtp->dtdays} + kEpochDays; // from 0001-01-01
+    if (days < 0) {
+        // Before year 1 no leap days are counted: whole years of 365 days.
+        const int64_t y = days / 365 - (days % 365 != 0);
+        const int64_t doy = days - 365 * y;
+        const MONTHCNT *months = month_table(y + 1);
+        int m = 11;
+        while (doy < months[m].daysum)
+            m--;
+        pp->dateyear = static_cast<CS_INT>(y + 1);
+        pp->datemonth = m;
+        pp->datedmonth = static_cast<CS_INT>(doy - months[m].daysum + 1);
+        pp->datedyear = static_cast<CS_INT>(doy + 1);
+        pp->datedweek = weekday(dtp->dtdays);
+        return;
+    }
+    // Counted from 0000-03-01 the leap day ends each year.  Centuries, years
+    // and months are then affine functions of the day count, each quotient
+    // and remainder coming from one multiplication (Neri and Schneider's
+    // Euclidean affine calendar functions).
+    const uint64_t n1 = 4 * (static_cast<uint64_t>(days) + 306) + 3;
+    const auto century = static_cast<uint32_t>(n1 / 146097);
+    const auto n2 = static_cast<uint32_t>(n1 % 146097) | 3;              // 4 * day of century + 3
+    const uint64_t u2 = uint64_t{2939745} * n2;
+    const auto year_of_century = static_cast<uint32_t>(u2 >> 32);
+    const uint32_t doy = static_cast<uint32_t>(u2) / 2939745 / 4;          // from March 1
+    const uint32_t n3 = 2141 * doy + 197913;
+    const uint32_t month = n3 >> 16;                                     // 3 is March, 14 February
+    const uint32_t jan = doy > 305;                                      // January and February close the year
+    const uint32_t leap = (year_of_century & 3) == 0 && (year_of_century != 0 || (century & 3) == 0);
+    pp->dateyear = static_cast<CS_INT>(100 * century + year_of_century + jan);
+    pp->datemonth = static_cast<CS_INT>(month - 1 - 12 * jan);
+    pp->datedmonth = static_cast<CS_INT>((n3 & 0xffff) / 2141 + 1);
+    pp->datedyear = static_cast<CS_INT>(doy + 60 + leap - jan * (365 + leap));
+    pp->datedweek = static_cast<CS_INT>((static_cast<uint32_t>(days) + 1) % 7);
 }
 
 void com__timecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
 {
-    const CS_INT ticks = dtp->dttime & 0x1ffffff;
-    pp->datehour = ticks / kTicksPerHour;
-    pp->dateminute = ticks / kTicksPerMinute % 60;
-    pp->datesecond = ticks / kTicksPerSecond % 60;
-    pp->datemsecond = ticks % kTicksPerSecond * 10 / 3;
+    const auto ticks = static_cast<uint32_t>(dtp->dttime) & 0x1ffffff;
+    const uint32_t seconds = ticks / kTicksPerSecond;
+    pp->datehour = static_cast<CS_INT>(seconds / 3600);
+    pp->dateminute = static_cast<CS_INT>(seconds / 60 % 60);
+    pp->datesecond = static_cast<CS_INT>(seconds % 60);
+    pp->datemsecond = static_cast<CS_INT>((ticks - seconds * kTicksPerSecond) * 10 / 3);
     pp->datesecprec = kTicksPerSecond;
     pp->datesecfrac = 0;
 }
@@ -132,12 +143,13 @@ void com__bigdatecrack(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
 void com__bigtimecrack(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
 {
     const uint64_t us = *bdt % kMicrosPerDay;
-    pp->datehour = static_cast<CS_INT>(us / kMicrosPerHour);
-    pp->dateminute = static_cast<CS_INT>(us / kMicrosPerMinute % 60);
-    pp->datesecond = static_cast<CS_INT>(us / kMicrosPerSecond % 60);
+    const auto seconds = static_cast<uint32_t>(us / kMicrosPerSecond);
+    pp->datehour = static_cast<CS_INT>(seconds / 3600);
+    pp->dateminute = static_cast<CS_INT>(seconds / 60 % 60);
+    pp->datesecond = static_cast<CS_INT>(seconds % 60);
     pp->datemsecond = 0;
     pp->datesecprec = static_cast<CS_INT>(kMicrosPerSecond);
-    pp->datesecfrac = static_cast<CS_INT>(us % kMicrosPerSecond);
+    pp->datesecfrac = static_cast<CS_INT>(us - uint64_t{seconds} * kMicrosPerSecond);
 }
 
 int com__datemake(CS_DATETIME *dtp, CS_DATEREC *pp)

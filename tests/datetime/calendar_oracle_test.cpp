@@ -116,6 +116,26 @@ protected:
     }
 };
 
+// Every day of the valid range (every kScale-th under sanitizers).
+TEST_F(Oracle, EveryDayCracksAndMakesBack)
+{
+    sys_days sd = from_dtdays(kMinDays);
+    for (int64_t d = kMinDays; d <= kMaxDays; d += kScale, sd += days{kScale}) {
+        CS_DATETIME dt{static_cast<CS_INT>(d), 0};
+        CS_DATEREC rec{};
+        com__datecrack(&dt, &rec);
+        const year_month_day ymd{sd};
+        ASSERT_EQ(rec.dateyear, static_cast<int>(ymd.year())) << d;
+        ASSERT_EQ(rec.datemonth + 1, static_cast<int>(static_cast<unsigned>(ymd.month()))) << d;
+        ASSERT_EQ(rec.datedmonth, static_cast<int>(static_cast<unsigned>(ymd.day()))) << d;
+        ASSERT_EQ(rec.datedyear, (sd - sys_days{ymd.year() / January / 1}).count() + 1) << d;
+        ASSERT_EQ(rec.datedweek, static_cast<int>(weekday{sd}.c_encoding())) << d;
+        CS_DATETIME made{};
+        ASSERT_EQ(com__datemake(&made, &rec), 0) << d;
+        ASSERT_EQ(made.dtdays, d);
+    }
+}
+
 TEST_F(Oracle, DatetimeCrackAndMakeRoundTrip)
 {
     for (int i = 0; i < kCrackCases; i++) {
