@@ -85,8 +85,8 @@ int com__daterecpart(int part, CS_DATEREC *t, int firstday, int dayselapsed, CS_
     case 2:
         return t->datemonth + 1;
     case 3: {
-        const int day = weekday(dayselapsed) + 1 - firstday;
-        return day < 1 ? day + 7 : day;
+        const int64_t day = int64_t{weekday(dayselapsed)} + 1 - firstday;
+        return static_cast<int>(day < 1 ? day + 7 : day);
     }
     case 4:
         return t->datedmonth;
