@@ -85,7 +85,23 @@ template <class T, class Text> int scan_text(Text t, T *valp)
         negative = c == '-';
         t.next();
     }
-    T v = 0;
+    // The first digits10 digits cannot overflow: they gather as a magnitude
+    // without the limit tests, and the sign joins before the rest.
+    std::make_unsigned_t<T> magnitude = 0;
+    constexpr int kSafeDigits = std::numeric_limits<T>::digits10;
+    if constexpr (std::is_same_v<Text, ByteText>) {
+        const unsigned char *safe_end = t.end - t.p > kSafeDigits ? t.p + kSafeDigits : t.end;
+        for (unsigned d; t.p < safe_end && (d = static_cast<unsigned>(*t.p - '0')) <= 9; ++t.p)
+            magnitude = static_cast<std::make_unsigned_t<T>>(magnitude * 10 + d);
+    } else {
+        for (int digits = 0; digits < kSafeDigits && !t.done(); t.next(), digits++) {
+            const unsigned d = t.value() - '0';
+            if (d > 9)
+                break;
+            magnitude = static_cast<std::make_unsigned_t<T>>(magnitude * 10 + d);
+        }
+    }
+    T v = negative ? static_cast<T>(-static_cast<T>(magnitude)) : static_cast<T>(magnitude);
     for (; !t.done(); t.next()) {
         const unsigned d = t.value() - '0';
         if (d > 9)
@@ -149,35 +165,38 @@ struct ParsedFloat {
     bool syntax; // the reader stopped short of the trimmed end
 };
 
-// Plain decimal text goes through std::from_chars, which rounds exactly as
-// strtod does; everything else (signs, hex, inf, nan, zeros that may be
-// underflow, a radix other than '.') takes strtod itself.
+// Decimal text goes through std::from_chars, which rounds exactly as strtod
+// does; whatever it does not take whole into a finite non-zero value (a plus
+// sign, leading white space, hexadecimal, inf, nan, zeros that may be
+// underflow, text after the number) and any radix but '.' goes to strtod.
 bool read_plain_decimal(const char *text, CS_INT n, double &value)
 {
     if (n == 0 || text[0] == '+')
         return false;
-    for (CS_INT i = 0; i < n; i++) {
-        const char c = text[i];
-        if (!((c >= '0' && c <= '9') || c == '.' || c == 'e' || c == 'E' || c == '-' || c == '+'))
-            return false;
-    }
-    const char *radix = nl_langinfo(RADIXCHAR);
-    if (radix[0] != '.' || radix[1] != '\0')
-        return false;
     auto [end, ec] = std::from_chars(text, text + n, value);
-    return ec == std::errc() && end == text + n && value != 0.0 && std::isfinite(value);
+    if (ec != std::errc() || end != text + n || value == 0.0 || !std::isfinite(value))
+        return false;
+    const char *radix = nl_langinfo(RADIXCHAR);
+    return radix[0] == '.' && radix[1] == '\0';
 }
 
 ParsedFloat parse_float(const char *src, CS_INT len, CHAR_ATTRIB *attr, bool edom_is_range)
 {
-    char buf[kFloatScratch];
-    CS_INT n = com__conv2ascii(src, len, buf, kFloatScratch, attr);
-    while (n > 0 && kes::conv::is_white_space(static_cast<unsigned char>(buf[n - 1])))
-        n--;
+    using kes::conv::is_white_space;
     errno = 0;
     ParsedFloat pf{};
-    if (read_plain_decimal(buf, n, pf.value))
-        return pf;
+    const bool as_bytes = kes::conv::reads_as_bytes(attr);
+    if (as_bytes) {
+        CS_INT n = len > 0 ? len : 0;
+        while (n > 0 && is_white_space(static_cast<unsigned char>(src[n - 1])))
+            n--;
+        if (read_plain_decimal(src, n, pf.value))
+            return pf;
+    }
+    char buf[kFloatScratch];
+    CS_INT n = com__conv2ascii(src, len, buf, kFloatScratch, as_bytes ? nullptr : attr);
+    while (n > 0 && is_white_space(static_cast<unsigned char>(buf[n - 1])))
+        n--;
     char *end;
     pf.value = std::strtod(buf, &end);
     pf.range_error = errno == ERANGE || (edom_is_range && errno == EDOM);

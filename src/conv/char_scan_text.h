@@ -29,6 +29,13 @@ inline unsigned char_value(const CS_ATTRIB *a, const unsigned char *p, const uns
     return w <= end - p ? static_cast<unsigned>(kes::intl::to_ascii(*a, p, w)) : 0;
 }
 
+// The built-in set's ASCII equivalents differ from its bytes only in letter
+// case, which no number reader minds, so its text can be read as it stands.
+inline bool reads_as_bytes(const CS_ATTRIB *a)
+{
+    return a == nullptr || (a->cs_maxcharlen < 2 && a->cs_norm_map == nullptr && a->cs_type_map == &ISO_1_type_map);
+}
+
 // White space as the trims see it: the space class of the built-in set,
 // whatever the text's own set.
 inline bool is_white_space(unsigned char c) { return (ISO_1_type_map.chmap[c].char_type & CS_CT_SPACE) != 0; }
