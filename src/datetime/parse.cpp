@@ -20,44 +20,86 @@ constexpr int kLeftOver = -2;
 constexpr int kBadYear = 1;
 constexpr int kAmPmClash = 9;
 
-// Length in bytes of the character at p with left bytes before the end of the
-// text; 0 for a character that the end cuts, which no map may look at.
-int char_length(CHAR_ATTRIB *chatr, const char *p, int left)
-{
-    if (chatr == nullptr || chatr->cs_width_map == nullptr)
-        return 1;
-    if (left >= 4) {
-        const int n = comn_char_width(chatr, p);
-        return n <= left ? n : 0;
+// The character set as the reader sees it.  A single-byte set is read
+// straight from its maps; a multi-byte set goes through the character
+// functions, by whole characters.
+class Chars {
+public:
+    explicit Chars(CHAR_ATTRIB *chatr) : chatr_(chatr)
+    {
+        const CS_ATTRIB *a = chatr != nullptr ? chatr : com_get_charattrib();
+        norm_ = a->cs_norm_map;
+        types_ = a->cs_type_map;
+        single_ = a->cs_width_map == nullptr;
     }
-    CS_INT bytes, part1, part2, count;
-    comn_whole_char(chatr, p, p + left, &bytes, &part1, &part2, &count);
-    return count > 0 ? comn_char_width(chatr, p) : 0;
-}
 
-// The character's normal form: its ASCII twin, else the first byte, so that
-// a character without one compares equal to nothing the grammar looks for.
-int normal(CHAR_ATTRIB *chatr, const char *p)
-{
-    const CS_INT a = comn_to_ascii(chatr, p);
-    return a != 0 ? a : static_cast<unsigned char>(*p) | 0x100;
-}
-
-// Appends the normal form of the character at p to out (a character without
-// one, or cut by the end, as it stands); the bytes it took.
-int normalise_char(CHAR_ATTRIB *chatr, const char *p, int left, char *out, int *outlen)
-{
-    const int n = char_length(chatr, p, left);
-    const CS_INT a = n > 0 ? comn_to_ascii(chatr, p) : 0;
-    if (a != 0) {
-        out[(*outlen)++] = static_cast<char>(a);
-        return n;
+    // Length in bytes of the character at p with left bytes before the end;
+    // 0 for a character that the end cuts, which no map may look at.
+    int length(const char *p, int left) const
+    {
+        if (single_)
+            return 1;
+        if (left >= 4) {
+            const int n = comn_char_width(chatr_, p);
+            return n <= left ? n : 0;
+        }
+        CS_INT bytes, part1, part2, count;
+        comn_whole_char(chatr_, p, p + left, &bytes, &part1, &part2, &count);
+        return count > 0 ? comn_char_width(chatr_, p) : 0;
     }
-    const int bytes = n > 0 ? n : left;
-    std::memcpy(out + *outlen, p, static_cast<size_t>(bytes));
-    *outlen += bytes;
-    return bytes;
-}
+
+    // The ASCII twin of the character, 0 when it has none.
+    int ascii(const char *p) const
+    {
+        if (!single_)
+            return comn_to_ascii(chatr_, p);
+        const auto b = static_cast<unsigned char>(*p);
+        return norm_ != nullptr ? norm_->norm[b] : types_ != nullptr ? types_->chmap[b].char_lower : b;
+    }
+
+    // The twin, else the first byte marked so that it equals nothing the
+    // grammar looks for.
+    int normal(const char *p) const
+    {
+        const int a = ascii(p);
+        return a != 0 ? a : static_cast<unsigned char>(*p) | 0x100;
+    }
+
+    bool digit(const char *p) const { return has(p, CS_CT_DIGIT); }
+    bool alpha(const char *p) const { return has(p, CS_CT_UPPER | CS_CT_LOWER); }
+
+    // Appends the normal form of the character at p to out (a character
+    // without one, or cut by the end, as it stands); the bytes it took.
+    int normalise(const char *p, int left, char *out, int *outlen) const
+    {
+        const int n = length(p, left);
+        const int a = n > 0 ? ascii(p) : 0;
+        if (a != 0) {
+            out[(*outlen)++] = static_cast<char>(a);
+            return n;
+        }
+        const int bytes = n > 0 ? n : left;
+        std::memcpy(out + *outlen, p, static_cast<size_t>(bytes));
+        *outlen += bytes;
+        return bytes;
+    }
+
+private:
+    bool has(const char *p, int bits) const
+    {
+        if (single_ && types_ != nullptr) {
+            const int type = types_->chmap[static_cast<unsigned char>(*p)].char_type;
+            if (!(type & CS_CT_LEADBYTE))
+                return (type & bits) != 0;
+        }
+        return bits == CS_CT_DIGIT ? comn_isdigit(chatr_, p) : comn_isalpha(chatr_, p);
+    }
+
+    CHAR_ATTRIB *chatr_;
+    const CS_NORM_MAP *norm_;
+    const CS_TYPE_MAP *types_;
+    bool single_;
+};
 
 int set(struct com__datecrack *dc, int kind, CS_INT value = 0, int length = 0)
 {
@@ -78,15 +120,102 @@ int number_kind(int digits)
     }
 }
 
+// The token at *cpp, read through chars (the view of chatr).
+int read_token(const Chars &chars, char **cpp, int *lenp, struct com__datecrack *dc, char **mths,
+               char **shortmths, CHAR_ATTRIB *chatr)
+{
+    char *cp = *cpp;
+    int len = *lenp;
+    auto advance = [&](int n) {
+        cp += n;
+        len -= n;
+    };
+    // Whole characters only: a character cut by the end is an error token.
+    auto is_digit = [&] { return len > 0 && chars.length(cp, len) > 0 && chars.digit(cp); };
+    auto is_alpha = [&] { return len > 0 && chars.length(cp, len) > 0 && chars.alpha(cp); };
+    int kind = DC_ERROR;
+    for (;;) {
+        if (len <= 0) {
+            kind = set(dc, DC_END);
+            break;
+        }
+        const int width = chars.length(cp, len);
+        if (width == 0) {
+            kind = set(dc, DC_ERROR);
+            break;
+        }
+        const int c = chars.normal(cp);
+        if (c == '/' || c == '-') {
+            advance(width);
+            kind = set(dc, DC_SEPARATOR, 0);
+        } else if (c == 'T' || c == 't') {
+            advance(width);
+            kind = set(dc, DC_T);
+        } else if (c == ':') {
+            advance(width);
+            kind = set(dc, DC_COLON);
+        } else if (c == ',') {
+            advance(width);
+            kind = set(dc, DC_COMMA);
+        } else if (c == '.') {
+            advance(width);
+            kind = set(dc, DC_SEPARATOR, -1);
+        } else if (c == ' ') {
+            advance(width);
+            continue;
+        } else if (is_digit()) {
+            int digits = 0;
+            CS_INT value = 0;
+            while (is_digit()) {
+                const int d = chars.normal(cp) - '0';
+                if (d < 0 || d > 9)
+                    break;
+                if (digits < 9)
+                    value = value * 10 + d;
+                digits++;
+                advance(chars.length(cp, len));
+            }
+            kind = set(dc, digits == 0 ? DC_ERROR : number_kind(digits), value, digits);
+        } else if (is_alpha()) {
+            char *word = cp;
+            int count = 0;
+            while (is_alpha()) {
+                count++;
+                advance(chars.length(cp, len));
+            }
+            const int bytes = static_cast<int>(cp - word);
+            int hit = count == 2 ? datelookup(word, bytes, kes::datetext::ampm(), 2, chatr) : -1;
+            if (hit >= 0) {
+                kind = set(dc, DC_AMPM, hit);
+            } else if (mths == nullptr || shortmths == nullptr) {
+                kind = set(dc, DC_ERROR);
+            } else {
+                hit = datelookup(word, bytes, mths, 12, chatr);
+                if (hit < 0)
+                    hit = datelookup(word, bytes, shortmths, 12, chatr);
+                kind = hit >= 0 ? set(dc, DC_MONTH, hit) : set(dc, DC_ERROR);
+            }
+        } else {
+            advance(width);
+            kind = set(dc, DC_ERROR);
+        }
+        break;
+    }
+    *cpp = cp;
+    *lenp = len;
+    return kind;
+}
+
 // ---- the grammar over the token array --------------------------------------
 
 struct Tokens {
     struct com__datecrack dc[DC_MAXTOKENS];
+    unsigned present = 0; // a bit per kind read; taking a token never adds one
 
     int kind(int i) const { return i >= 0 && i < DC_MAXTOKENS ? dc[i].dctoken : DC_END; }
     bool is(int i, int k) const { return kind(i) == k; }
     bool is_point(int i) const { return is(i, DC_SEPARATOR) && dc[i].dcvalue == -1; }
-    int find(int token) { return findtoken(dc, token); }
+    int find(int token) { return token >= 0 && !(present & (1u << token)) ? -1 : findtoken(dc, token); }
     CS_INT take(int i)
     {
         dc[i].dctoken = DC_USED;
@@ -327,96 +456,18 @@ extern "C" {
 int datetoken(char **cpp, int *lenp, struct com__datecrack *dc, char **mths, char **shortmths,
               CHAR_ATTRIB *chatr)
 {
-    char *cp = *cpp;
-    int len = *lenp;
-    auto advance = [&](int n) {
-        cp += n;
-        len -= n;
-    };
-    // Whole characters only: a character cut by the end is an error token.
-    auto is_digit = [&] { return len > 0 && char_length(chatr, cp, len) > 0 && comn_isdigit(chatr, cp); };
-    auto is_alpha = [&] { return len > 0 && char_length(chatr, cp, len) > 0 && comn_isalpha(chatr, cp); };
-    int kind = DC_ERROR;
-    for (;;) {
-        if (len <= 0) {
-            kind = set(dc, DC_END);
-            break;
-        }
-        const int width = char_length(chatr, cp, len);
-        if (width == 0) {
-            kind = set(dc, DC_ERROR);
-            break;
-        }
-        const int c = normal(chatr, cp);
-        if (c == '/' || c == '-') {
-            advance(width);
-            kind = set(dc, DC_SEPARATOR, 0);
-        } else if (c == 'T' || c == 't') {
-            advance(width);
-            kind = set(dc, DC_T);
-        } else if (c == ':') {
-            advance(width);
-            kind = set(dc, DC_COLON);
-        } else if (c == ',') {
-            advance(width);
-            kind = set(dc, DC_COMMA);
-        } else if (c == '.') {
-            advance(width);
-            kind = set(dc, DC_SEPARATOR, -1);
-        } else if (c == ' ') {
-            advance(width);
-            continue;
-        } else if (is_digit()) {
-            int digits = 0;
-            CS_INT value = 0;
-            while (is_digit()) {
-                const int d = normal(chatr, cp) - '0';
-                if (d < 0 || d > 9)
-                    break;
-                if (digits < 9)
-                    value = value * 10 + d;
-                digits++;
-                advance(char_length(chatr, cp, len));
-            }
-            kind = set(dc, digits == 0 ? DC_ERROR : number_kind(digits), value, digits);
-        } else if (is_alpha()) {
-            char *word = cp;
-            int chars = 0;
-            while (is_alpha()) {
-                chars++;
-                advance(char_length(chatr, cp, len));
-            }
-            const int bytes = static_cast<int>(cp - word);
-            int hit = chars == 2 ? datelookup(word, bytes, kes::datetext::ampm(), 2, chatr) : -1;
-            if (hit >= 0) {
-                kind = set(dc, DC_AMPM, hit);
-            } else if (mths == nullptr || shortmths == nullptr) {
-                kind = set(dc, DC_ERROR);
-            } else {
-                hit = datelookup(word, bytes, mths, 12, chatr);
-                if (hit < 0)
-                    hit = datelookup(word, bytes, shortmths, 12, chatr);
-                kind = hit >= 0 ? set(dc, DC_MONTH, hit) : set(dc, DC_ERROR);
-            }
-        } else {
-            advance(width);
-            kind = set(dc, DC_ERROR);
-        }
-        break;
-    }
-    *cpp = cp;
-    *lenp = len;
-    return kind;
+    return read_token(Chars(chatr), cpp, lenp, dc, mths, shortmths, chatr);
 }
 
 int datelookup(char *cp, int len, char **list, int cnt, CHAR_ATTRIB *chatr)
 {
     if (len > kLookupMax || list == nullptr)
         return -1;
+    const Chars chars(chatr);
     char text[kLookupMax];
     int textlen = 0;
     for (int at = 0; at < len;)
-        at += normalise_char(chatr, cp + at, len - at, text, &textlen);
+        at += chars.normalise(cp + at, len - at, text, &textlen);
 
     for (int i = 0; i < cnt; i++) {
         const char *entry = list[i];
@@ -425,10 +476,15 @@ int datelookup(char *cp, int len, char **list, int cnt, CHAR_ATTRIB *chatr)
         const int entrylen = static_cast<int>(std::strlen(entry));
         char norm[kLookupMax + 16]; // the text's length plus one character
         int normlen = 0;
-        // An entry that normalises longer than the text cannot match; stop there.
-        for (int at = 0; at < entrylen && normlen <= textlen;)
-            at += normalise_char(chatr, entry + at, entrylen - at, norm, &normlen);
-        if (normlen == textlen && std::memcmp(norm, text, static_cast<size_t>(textlen)) == 0)
+        bool same = true;
+        // Normalised character by character, the entry is dropped at its
+        // first difference from the text.
+        for (int at = 0; same && at < entrylen;) {
+            const int from = normlen;
+            at += chars.normalise(entry + at, entrylen - at, norm, &normlen);
+            same = normlen <= textlen && std::memcmp(norm + from, text + from, static_cast<size_t>(normlen - from)) == 0;
+        }
+        if (same && normlen == textlen)
             return i;
     }
     return -1;
@@ -468,10 +524,12 @@ int xdaterecfromchar(CS_DATEREC *parts, char *origcp, int origlen, int partonly,
         truncated = &ignored;
     *truncated = 0;
     Tokens t;
+    const Chars chars(chatr);
     char *cp = origcp;
     int len = origlen;
     for (int i = 0;; i++) {
-        const int kind = datetoken(&cp, &len, &t.dc[i], mths, shortmths, chatr);
+        const int kind = read_token(chars, &cp, &len, &t.dc[i], mths, shortmths, chatr);
+        t.present |= 1u << kind;
         if (kind == DC_ERROR)
             return kSyntax;
         if (kind == DC_END)
