@@ -83,8 +83,9 @@ KES_API CS_BOOL comn_isgraph(CS_ATTRIB *ca, const CS_CHAR *p);
 KES_API CS_INT comn_get_lex(CS_ATTRIB *ca, const CS_CHAR *p);
 
 /* Write the other-case form of the character at srcp to destp and return the
-   bytes written (the character's length).  A character without one is
-   copied unchanged.  srcp and destp may be the same. */
+   bytes written.  A multi-byte character keeps its lead byte and takes its
+   second byte from the plane; a single byte with a partner becomes that one
+   byte; anything else is copied unchanged.  srcp and destp may be the same. */
 KES_API CS_INT comn_toupper(CS_ATTRIB *ca, const CS_CHAR *srcp, CS_CHAR *destp);
 KES_API CS_INT comn_tolower(CS_ATTRIB *ca, const CS_CHAR *srcp, CS_CHAR *destp);
 

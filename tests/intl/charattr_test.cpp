@@ -4,6 +4,7 @@
 #include <unicode/uchar.h>
 
 #include <cctype>
+#include <random>
 #include <set>
 #include <string>
 
@@ -463,6 +464,87 @@ TEST(FourByte, StrToAsciiWithoutNormMapUsesTheFirstByteEntry)
     // Letters come back lower case; the first-byte entry of a lead byte has
     // char_lower 0, so the character is copied.
     EXPECT_EQ(std::string(out, static_cast<size_t>(n)), "ab\x81\x30\x82\x31");
+}
+
+// ---- seeded differential: the walkers against an independent model ---------------------------
+
+// Character starts of a byte string by the published rules of the two test
+// sets, written without the width map: [0, starts..., n] with a partial last
+// character reported by its full length.
+struct Model {
+    bool four; // the four-byte set, else the double-byte one
+    CS_INT len_at(const std::vector<CS_BYTE> &s, size_t i) const
+    {
+        const int b = s[i];
+        if (four) {
+            if (b < 0x81 || b > 0xFE)
+                return 1;
+            return (i + 1 < s.size() && s[i + 1] >= 0x30 && s[i + 1] <= 0x39) ? 4 : 2;
+        }
+        return kes::test::dbcs_lead(b) ? 2 : 1;
+    }
+};
+
+TEST(Walkers, WholeCharAndTruncateAgreeWithTheModelOnRandomText)
+{
+    DoubleByte dbcs;
+    FourByte four;
+    std::mt19937 rng(20261122);
+    for (int round = 0; round < 6000; ++round) {
+        const bool is_four = round % 2;
+        const Model model{is_four};
+        CS_ATTRIB *set = is_four ? four.get() : dbcs.get();
+        // Bytes biased toward lead bytes and the digit range that makes a
+        // four-byte character.
+        std::vector<CS_BYTE> s(rng() % 24 + 1);
+        for (CS_BYTE &b : s) {
+            const unsigned pick = rng() % 4;
+            b = static_cast<CS_BYTE>(pick == 0 ? 0x81 + rng() % 0x7E : pick == 1 ? 0x30 + rng() % 10 : rng() % 256);
+        }
+        const auto n = static_cast<CS_INT>(s.size());
+        const CS_INT end = static_cast<CS_INT>(rng() % (s.size() + 1));
+        // Model of comn_whole_char over [0, end): second bytes past end are
+        // unknown, so a lead there counts as two bytes.
+        std::vector<CS_BYTE> view(s.begin(), s.begin() + end);
+        CS_INT at = 0, chars = 0, part1 = 0, part2 = 0;
+        while (at < end) {
+            const CS_INT len = model.len_at(view, static_cast<size_t>(at));
+            if (at + len > end) {
+                part1 = end - at;
+                part2 = len - part1;
+                break;
+            }
+            at += len;
+            ++chars;
+        }
+        CS_INT wc, p1, p2, nc;
+        const auto *text = reinterpret_cast<const CS_CHAR *>(s.data());
+        comn_whole_char(set, text, text + end, &wc, &p1, &p2, &nc);
+        ASSERT_EQ(std::vector<CS_INT>({wc, p1, p2, nc}), std::vector<CS_INT>({at, part1, part2, chars}))
+            << kes::test::hex(s.data(), s.size()) << " end " << end << (is_four ? " four" : " dbcs");
+
+        // Model of comnb_truncate_chars(s, n, maxlen).
+        const CS_INT maxlen = static_cast<CS_INT>(rng() % (s.size() + 3));
+        CS_INT cut = 0;
+        if (n < maxlen) {
+            cut = n;
+        } else {
+            for (CS_INT len; cut < maxlen && cut + (len = model.len_at(s, static_cast<size_t>(cut))) <= maxlen;)
+                cut += len;
+        }
+        ASSERT_EQ(comnb_truncate_chars(set, s.data(), n, maxlen), cut)
+            << kes::test::hex(s.data(), s.size()) << " maxlen " << maxlen << (is_four ? " four" : " dbcs");
+
+        // Stepping with comn_inc_char visits the model's character starts
+        // (two NULs after the text stand for the bytes it may look at).
+        std::vector<CS_BYTE> padded = s;
+        padded.insert(padded.end(), {0, 0});
+        CS_CHAR *p = reinterpret_cast<CS_CHAR *>(padded.data());
+        for (CS_INT pos = 0; pos < n; pos += model.len_at(s, static_cast<size_t>(pos))) {
+            ASSERT_EQ(p - reinterpret_cast<CS_CHAR *>(padded.data()), pos);
+            comn_inc_char(set, &p);
+        }
+    }
 }
 
 // ---- broken records never read out of their maps ----------------------------------------
