@@ -537,8 +537,8 @@ TEST(Walkers, WholeCharAndTruncateAgreeWithTheModelOnRandomText)
 
         // Stepping with comn_inc_char visits the model's character starts
         // (two NULs after the text stand for the bytes it may look at).
-        std::vector<CS_BYTE> padded = s;
-        padded.insert(padded.end(), {0, 0});
+        std::vector<CS_BYTE> padded(s.size() + 2, 0);
+        std::copy(s.begin(), s.end(), padded.begin());
         CS_CHAR *p = reinterpret_cast<CS_CHAR *>(padded.data());
         for (CS_INT pos = 0; pos < n; pos += model.len_at(s, static_cast<size_t>(pos))) {
             ASSERT_EQ(p - reinterpret_cast<CS_CHAR *>(padded.data()), pos);
