@@ -1,17 +1,14 @@
-// Magnitude arithmetic on 64-bit limbs, and Algorithm D on bytes.
+// Magnitude arithmetic on 64-bit limbs, and division on 32-bit digits.
 #include "numeric/limbs.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <cstring>
 
 namespace kes::numeric::limbs {
 
 namespace {
 
-// Work values reach 67 bytes inside division (a dividend times 10^77).
-constexpr int kLimbs = 9;
+constexpr int kLimbs = kWideBytes / 8;
 
 // A magnitude as little-endian 64-bit limbs; n limbs are significant.
 struct Wide {
@@ -26,51 +23,40 @@ uint64_t be64(const CS_BYTE *p)
     return __builtin_bswap64(v);
 }
 
-// The magnitude bytes of v (after the sign byte), leading zeros skipped.
-void load(const __CONSTANT *v, Wide &out)
+// The magnitude bytes of a value (after its sign byte).
+struct Run {
+    const CS_BYTE *p;
+    int n;
+};
+Run run(const __CONSTANT *v)
 {
-    const CS_BYTE *p = v->len > 1 ? v->value + 1 : v->value;
-    int nb = v->len > 1 ? v->len - 1 : 0;
-    while (nb > 0 && *p == 0) {
-        ++p;
-        --nb;
-    }
-    nb = std::min(nb, 8 * kLimbs); // longer runs are not values of this type
-    out.n = (nb + 7) / 8;
-    int i = 0;
-    for (; 8 * (i + 1) <= nb; ++i)
-        out.w[i] = be64(p + nb - 8 * (i + 1));
-    if (i < out.n) {
-        uint64_t top = 0;
-        for (int k = 0; k < nb - 8 * i; ++k)
-            top = (top << 8) | p[k];
-        out.w[i] = top;
-    }
+    const int n = std::min(v->len > 1 ? v->len - 1 : 0, kWideBytes); // longer runs are not values
+    return {v->len > 1 ? v->value + v->len - n : v->value, n};
 }
 
-// Writes the low nbytes of the value big-endian at dst; false when a
-// non-zero byte does not fit.
-bool store(const Wide &x, CS_BYTE *dst, int nbytes)
+// The big-endian number in the first n bytes at p.
+uint64_t be_partial(const CS_BYTE *p, int n)
 {
-    int n = x.n;
-    while (n > 0 && x.w[n - 1] == 0)
+    uint64_t v = 0;
+    for (int k = 0; k < n; ++k)
+        v = (v << 8) | p[k];
+    return v;
+}
+
+// Whole limbs load straight from the end of the run; only the top one, when
+// partial, goes byte by byte (bytes before the run may not be readable).
+void load(const __CONSTANT *v, Wide &out)
+{
+    const Run r = run(v);
+    int n = 0;
+    int end = r.n;
+    for (; end >= 8; end -= 8)
+        out.w[n++] = be64(r.p + end - 8);
+    if (end > 0)
+        out.w[n++] = be_partial(r.p, end);
+    while (n > 0 && out.w[n - 1] == 0)
         --n;
-    int i = 0;
-    for (; i < n && 8 * (i + 1) <= nbytes; ++i) {
-        const uint64_t be = __builtin_bswap64(x.w[i]);
-        std::memcpy(dst + nbytes - 8 * (i + 1), &be, 8);
-    }
-    int written = 8 * i;
-    if (i < n) {
-        uint64_t limb = x.w[i];
-        for (; written < nbytes; ++written, limb >>= 8)
-            dst[nbytes - 1 - written] = static_cast<CS_BYTE>(limb);
-        if (limb != 0 || i + 1 < n)
-            return false;
-    }
-    if (written < nbytes)
-        std::memset(dst, 0, static_cast<size_t>(nbytes - written));
-    return true;
+    out.n = n;
 }
 
 int significant_bytes(const Wide &x)
@@ -81,9 +67,71 @@ int significant_bytes(const Wide &x)
     return n == 0 ? 0 : 8 * (n - 1) + (71 - std::countl_zero(x.w[n - 1])) / 8;
 }
 
+// Writes the value big-endian into nbytes at dst; false, with dst left
+// alone, when it needs more.
+bool store(const Wide &x, CS_BYTE *dst, int nbytes)
+{
+    if (significant_bytes(x) > nbytes)
+        return false;
+    int pos = nbytes;
+    for (int i = 0; i < x.n && pos > 0; ++i) {
+        uint64_t limb = x.w[i];
+        if (pos >= 8) {
+            limb = __builtin_bswap64(limb);
+            std::memcpy(dst + pos - 8, &limb, 8);
+            pos -= 8;
+        } else {
+            for (; pos > 0; --pos, limb >>= 8) // what is left of the limb is zero
+                dst[pos - 1] = static_cast<CS_BYTE>(limb);
+        }
+    }
+    while (pos > 0)
+        dst[--pos] = 0;
+    return true;
+}
+
 int reach(const __CONSTANT *result) { return result->len > 1 ? result->len - 1 : 0; }
 
 CS_BYTE *mag_start(__CONSTANT *result) { return result->len > 1 ? result->value + 1 : result->value; }
+
+// 32-bit digits, most significant first, of a run; leading zero digits dropped.
+int to_digits(Run r, uint32_t *d)
+{
+    const int n = (r.n + 3) / 4;
+    const int top = r.n - 4 * (n - 1); // bytes in the first digit, 1 to 4
+    int k = 0;
+    for (int i = 0; i < n; ++i) {
+        uint32_t v;
+        if (i == 0) {
+            v = static_cast<uint32_t>(be_partial(r.p, top));
+        } else {
+            std::memcpy(&v, r.p + top + 4 * (i - 1), 4);
+            v = __builtin_bswap32(v);
+        }
+        if (k > 0 || v != 0)
+            d[k++] = v;
+    }
+    return k;
+}
+
+// Digits back to big-endian bytes at the end of buf (kWideBytes + 1 bytes),
+// behind a zero sign byte; value gets the run, len 0 when it is zero.
+void from_digits(const uint32_t *d, int n, CS_BYTE *buf, __CONSTANT *value)
+{
+    while (n > 0 && d[0] == 0) {
+        ++d;
+        --n;
+    }
+    CS_BYTE *start = buf + kWideBytes - 4 * n;
+    for (int i = 0; i < n; ++i) {
+        const uint32_t v = __builtin_bswap32(d[i]);
+        std::memcpy(start + 1 + 4 * i, &v, 4);
+    }
+    start[0] = 0;
+    value->value = start;
+    value->len = n == 0 ? 0 : 4 * n + 1;
+    value->maxlen = value->len;
+}
 
 } // namespace
 
@@ -92,6 +140,10 @@ int add_sub(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result, bo
     Wide a, b;
     load(op1, a);
     load(op2, b);
+    // Bytes of op1 beyond the result's reach count even when the difference
+    // would fit.
+    if (subtract && significant_bytes(a) > reach(result))
+        return 1;
     Wide r;
     r.n = std::max(a.n, b.n) + 1;
     uint64_t carry = 0;
@@ -109,12 +161,6 @@ int add_sub(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result, bo
         }
         carry = c1 || c2;
         r.w[i] = out;
-    }
-    if (subtract) {
-        // Bytes of op1 beyond the result's reach count even when the
-        // difference would fit.
-        if (significant_bytes(a) > reach(result))
-            return 1;
     }
     return store(r, mag_start(result), reach(result)) ? 0 : 1;
 }
@@ -139,56 +185,31 @@ int mul(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result)
     return store(r, mag_start(result), reach(result)) ? 0 : 1;
 }
 
-int knuth_d(CS_BYTE *u, int n, const CS_BYTE *v, int m)
+void divide(const __CONSTANT *num, const __CONSTANT *den, CS_BYTE *qbuf, CS_BYTE *rbuf, __CONSTANT *q,
+            __CONSTANT *r)
 {
-    const int s = std::countl_zero(v[0]);
-    // Digit k of the dividend as it would be after normalisation.
-    auto norm = [&](int k) -> unsigned {
-        const unsigned hi = u[k];
-        const unsigned lo = k + 1 <= n ? u[k + 1] : 0;
-        return ((hi << s) | (lo >> (8 - s))) & 0xFFu;
-    };
-    const unsigned v1 = ((unsigned{v[0]} << s) | (unsigned{v[1]} >> (8 - s))) & 0xFFu;
-    const unsigned v2 = ((unsigned{v[1]} << s) | (m > 2 ? unsigned{v[2]} >> (8 - s) : 0u)) & 0xFFu;
-
-    int addbacks = 0;
-    for (int j = 0; j <= n - m; ++j) {
-        const unsigned u0 = norm(j);
-        const unsigned u1 = norm(j + 1);
-        const unsigned u2 = norm(j + 2);
-        const unsigned top = (u0 << 8) | u1;
-        unsigned qhat = u0 == v1 ? 255u : top / v1;
-        unsigned rhat = top - qhat * v1;
-        while (rhat < 256 && qhat * v2 > ((rhat << 8) | u2)) {
-            --qhat;
-            rhat += v1;
-        }
-
-        // Multiply and subtract across the m + 1 bytes of the window.
-        unsigned carry = 0;
-        int borrow = 0;
-        for (int i = m - 1; i >= 0; --i) {
-            const unsigned p = qhat * v[i] + carry;
-            carry = p >> 8;
-            const int t = int{u[j + 1 + i]} - static_cast<int>(p & 0xFFu) - borrow;
-            u[j + 1 + i] = static_cast<CS_BYTE>(t);
-            borrow = t < 0;
-        }
-        const int t = int{u[j]} - static_cast<int>(carry) - borrow;
-        if (t < 0) {
-            // The trial digit was one too large: add the divisor back.
-            --qhat;
-            ++addbacks;
-            unsigned c = 0;
-            for (int i = m - 1; i >= 0; --i) {
-                const unsigned sum = unsigned{u[j + 1 + i]} + v[i] + c;
-                u[j + 1 + i] = static_cast<CS_BYTE>(sum);
-                c = sum >> 8;
-            }
-        }
-        u[j] = static_cast<CS_BYTE>(qhat);
+    uint32_t u[kWideBytes / 4 + 1], v[kWideBytes / 4];
+    const int n = to_digits(run(num), u + 1);
+    const int m = to_digits(run(den), v);
+    u[0] = 0;
+    if (m > n) { // the divisor is larger: no quotient, the dividend remains
+        from_digits(u, 0, qbuf, q);
+        from_digits(u + 1, n, rbuf, r);
+        return;
     }
-    return addbacks;
+    if (m == 1) {
+        uint64_t rem = 0;
+        for (int j = 0; j < n; ++j) {
+            const uint64_t cur = (rem << 32) | u[j + 1];
+            u[j] = static_cast<uint32_t>(cur / v[0]);
+            rem = cur % v[0];
+        }
+        u[n] = static_cast<uint32_t>(rem);
+    } else {
+        knuth_d(u, n, v, m);
+    }
+    from_digits(u, n - m + 1, qbuf, q);
+    from_digits(u + n - m + 1, m, rbuf, r);
 }
 
 } // namespace kes::numeric::limbs
