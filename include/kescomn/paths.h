@@ -59,6 +59,13 @@ KES_API CS_INT com_get_tclcfg(char *buf, int buflen);
    a short allocator. */
 KES_API CS_CHAR *com_getenv(char *envvar);
 
+/* Whether the message file filename of the language of locale (the
+   context's locale when null) can be read: its path goes into buffer, "*"
+   when no path can be made or the locale has no language; CS_SUCCEED when
+   readable, CS_FAIL when not, or the composer's failure. */
+KES_API CS_RETCODE com_intl_verify_a_msgfile(CS_CONTEXT *context, CS_LOCALE *locale, CS_CHAR *filename,
+                                             CS_CHAR *buffer, CS_INT buflen);
+
 /* Explains on standard error (and in "kesinit.err", through com_perr) why
    the localization files of a context could not be loaded: the home
    directory, the object identifier and locale tables, and the locale name

@@ -7,6 +7,7 @@
 
 #include "config/paths.h"
 #include "errors/assert.h"
+#include "intl/locale_records.h"
 #include "kesintl.h"
 
 namespace {
@@ -51,6 +52,23 @@ CS_RETCODE com__verify_charfile(CS_CONTEXT *context, CS_CHAR *charset, CS_CHAR *
                                 CS_CHAR *buffer, CS_INT buflen)
 {
     return readable(com_path_charfile(context, charset, filename, fileext, buffer, buflen), buffer, buflen);
+}
+
+CS_RETCODE com_intl_verify_a_msgfile(CS_CONTEXT *context, CS_LOCALE *locale, CS_CHAR *filename, CS_CHAR *buffer,
+                                     CS_INT buflen)
+{
+    KES_NOT_NULL(filename);
+    KES_NOT_NULL(buffer);
+    KES_ASSERT(buflen > 0);
+    if (!locale && context)
+        locale = context->ctxlocale;
+    const auto *messages = locale ? static_cast<const CsLocCache *>(locale->messageptr) : nullptr;
+    if (!messages || !messages->langname) {
+        intl_strlcpy(buffer, "*", static_cast<size_t>(buflen));
+        return KES_TRACE(CS_FAIL);
+    }
+    return com__verify_msgfile(context, messages->langname, messages->langnamelen, filename, CS_NULLTERM, buffer,
+                               buflen);
 }
 
 CS_RETCODE com_intl_verify_ctxloc(CS_CONTEXT *context)

@@ -110,9 +110,9 @@ CS_RETCODE com___buddy_split(MM_HANDLE *handle, CS_INT sizeindex)
 {
     MmBuddyPool &pool = handle->mmh_pool.buddy;
     if (sizeindex >= pool.bpmax)
-        return CS_FAIL;
+        return KES_TRACE(CS_FAIL);
     if (!pool.free[sizeindex + 1] && com___buddy_split(handle, sizeindex + 1) != CS_SUCCEED)
-        return CS_FAIL;
+        return KES_TRACE(CS_FAIL);
     MmDList *first = pool.free[sizeindex + 1];
     unlink(pool, sizeindex + 1, first);
     MmDList *second = as_block(bytes(first) + block_bytes(sizeindex));
@@ -154,7 +154,7 @@ CS_RETCODE com___buddy_compact(MM_HANDLE *handle, CS_INT size_index)
             b = next;
         }
     }
-    return merged ? CS_SUCCEED : CS_FAIL;
+    return merged ? CS_SUCCEED : KES_TRACE(CS_FAIL);
 }
 
 CS_RETCODE com___buddy_malloc(MM_HANDLE *handle, CS_UINT size, CS_VOID **buffer)

@@ -14,6 +14,7 @@
 
 #include "config/paths.h"
 #include "conv/string_conv.h"
+#include "intl/locale_records.h"
 #include "kesintl.h"
 #include "support/context.h"
 
@@ -330,6 +331,28 @@ TEST_F(Paths, VerifyFiles)
     char tight[16];
     EXPECT_EQ(com__verify_charfile(&ctx, s("utf8"), s("charset"), s("loc"), tight, sizeof tight), CS_FAIL);
     EXPECT_STREQ(tight, "*");
+}
+
+TEST_F(Paths, VerifyMessageFileOfALocale)
+{
+    setenv("KESTOR", KESCOMN_SOURCE_HOME, 1);
+    CsLocCache cache{};
+    CS_LOCALE locale{};
+    locale.messageptr = &cache;
+    char buf[COM_PATH_MAX];
+    EXPECT_EQ(com_intl_verify_a_msgfile(&ctx, &locale, s("common.loc"), buf, sizeof buf), CS_FAIL);
+    EXPECT_STREQ(buf, "*") << "a locale without a language";
+    cache.langname = s("message");
+    cache.langnamelen = 7;
+    // The source tree has the directory but no message files yet.
+    EXPECT_EQ(com_intl_verify_a_msgfile(&ctx, &locale, s(".keep"), buf, sizeof buf), CS_FAIL);
+    EXPECT_EQ(std::string(buf), std::string(KESCOMN_SOURCE_HOME) + "/locales/message/message/.keep");
+    cache.langname = s("..");
+    ctx.ctxlocale = &locale;
+    EXPECT_EQ(com_intl_verify_a_msgfile(&ctx, nullptr, s("locales.dat"), buf, sizeof buf), CS_SUCCEED)
+        << "the context's locale stands in for a null one";
+    EXPECT_EQ(com_intl_verify_a_msgfile(nullptr, nullptr, s(".keep"), buf, sizeof buf), CS_FAIL);
+    EXPECT_STREQ(buf, "*");
 }
 
 // Runs the diagnosis in a scratch directory (it appends to kesinit.err in
