@@ -192,25 +192,26 @@ int com__exctnume_cmp(const __CONSTANT *op1, const __CONSTANT *op2, int flag)
             sense = -1;
     }
 
+    if (!(flag & 2) || op1->scale == op2->scale)
+        return sense * cmp_mag(mag(op1), mag(op2));
+
+    const bool first_hi = op1->scale > op2->scale;
+    const __CONSTANT *hi = first_hi ? op1 : op2;
+    const __CONSTANT *lo = first_hi ? op2 : op1;
+    const int diff = hi->scale - lo->scale;
+    TempValue tmp(kMaxLen, kMaxPrec, 0);
     Mag a = mag(op1);
     Mag b = mag(op2);
-    TempValue tmp(kMaxLen, kMaxPrec, 0);
-    if ((flag & 2) && op1->scale != op2->scale) {
-        const bool first_hi = op1->scale > op2->scale;
-        const __CONSTANT *hi = first_hi ? op1 : op2;
-        const __CONSTANT *lo = first_hi ? op2 : op1;
-        const int diff = hi->scale - lo->scale;
-        // Widening lo could need more than 77 digits; then hi is cut down
-        // instead, so values that differ only in the cut digits compare equal.
-        if (lo->prec + hi->scale <= kMaxPrec) {
-            tmp.c.scale = hi->scale;
-            (void)com__exctnume_scale(const_cast<__CONSTANT *>(lo), &tmp.c, diff, 0);
-            (first_hi ? b : a) = mag(&tmp.c);
-        } else {
-            tmp.c.scale = lo->scale;
-            (void)com__exctnume_scale(const_cast<__CONSTANT *>(hi), &tmp.c, -diff, 0);
-            (first_hi ? a : b) = mag(&tmp.c);
-        }
+    // Widening lo could need more than 77 digits; then hi is cut down
+    // instead, so values that differ only in the cut digits compare equal.
+    if (lo->prec + hi->scale <= kMaxPrec) {
+        tmp.c.scale = hi->scale;
+        (void)com__exctnume_scale(const_cast<__CONSTANT *>(lo), &tmp.c, diff, 0);
+        (first_hi ? b : a) = mag(&tmp.c);
+    } else {
+        tmp.c.scale = lo->scale;
+        (void)com__exctnume_scale(const_cast<__CONSTANT *>(hi), &tmp.c, -diff, 0);
+        (first_hi ? a : b) = mag(&tmp.c);
     }
     return sense * cmp_mag(a, b);
 }

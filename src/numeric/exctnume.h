@@ -53,7 +53,8 @@ int com__exctnume_cmp(const __CONSTANT *op1, const __CONSTANT *op2, int flag);
 
 /* Multiplies the magnitude by 10^scale, or divides it by 10^-scale (cut
    toward zero) when scale is negative, into outval, or in place when outval
-   is null.  Never writes a scale field.  0; 1 overflow; 2 |scale| >= 78;
+   is null (in place, a value longer than 33 bytes is status 1).  Never
+   writes a scale field.  0; 1 overflow; 2 |scale| >= 78;
    6 non-zero digits dropped (the quotient is stored anyway).  statflag is
    ignored: callers decide what 6 means. */
 int com__exctnume_scale(__CONSTANT *inval, __CONSTANT *outval, int scale, int statflag);

@@ -188,7 +188,7 @@ int mul(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result)
 void divide(const __CONSTANT *num, const __CONSTANT *den, CS_BYTE *qbuf, CS_BYTE *rbuf, __CONSTANT *q,
             __CONSTANT *r)
 {
-    uint32_t u[kWideBytes / 4 + 1], v[kWideBytes / 4];
+    uint32_t u[kWideBytes / 4 + 1], v[kWideBytes / 4]{};
     const int n = to_digits(run(num), u + 1);
     const int m = to_digits(run(den), v);
     u[0] = 0;
