@@ -27,9 +27,12 @@ int main(int argc, char **argv)
                     run_file(entry.path());
                     count++;
                 }
-        } else {
+        } else if (std::filesystem::is_regular_file(arg)) {
             run_file(arg);
             count++;
+        } else {
+            std::fprintf(stderr, "no such corpus: %s\n", argv[i]);
+            return 1;
         }
     }
     std::printf("replayed %zu inputs\n", count);
