@@ -63,11 +63,13 @@ KES_BEGIN_DECLS
 #define MM_HEAP_SBREAK 1
 #define MM_HEAP_CALLER 2
 
-/* Header word of a buddy block. */
+/* Header word of a buddy block.  The offset marker (bits 4-20) holds bits
+   2-18 of the address of the big block; blocks are 8-byte aligned, so its
+   lowest bit is always clear and serves as the fifth bit of size index 16. */
 #define MM_BUDDY_OVERSIZE 0x80000000u /* low 31 bits: the requested size */
 #define MM_BUDDY_FREE 0x40000000u
-#define MM_BUDDY_MARK_MASK 0x001ffff0u /* bits 2-18 of the big block's address */
-#define MM_BUDDY_INDEX_MASK 0x0000000fu
+#define MM_BUDDY_MARK_MASK 0x001fffe0u
+#define MM_BUDDY_INDEX_MASK 0x0000001fu
 #define MM_BUDDY_LISTS 17
 
 typedef struct _mmhandle MM_HANDLE;

@@ -88,18 +88,23 @@ MM_HANDLE *root_of(MM_HANDLE *handle)
 CS_RETCODE get_property(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT buflen, CS_INT *outlen)
 {
     MmPoolHead *head = mmh->mmh_head;
-    CS_INT len = 4;
+    CS_INT len = 0;
+    // Integers take 4 bytes, pointers 8.
+    const auto put = [&](auto value) {
+        store(buffer, value);
+        len = sizeof value;
+    };
     switch (property) {
-    case MM_PROP_TYPE: store<CS_INT>(buffer, mmh->mmh_type); break;
-    case MM_PROP_CHUNKSIZE: store<CS_INT>(buffer, head->mph_chunksize); break;
-    case MM_PROP_MAXSIZE: store<CS_INT>(buffer, head->mph_maxsize); break;
-    case MM_PROP_BLOCKSIZE: store<CS_INT>(buffer, mmh->mmh_blocksize); break;
-    case MM_PROP_SBREAK: store(buffer, head->mph_sbreak), len = 8; break;
-    case MM_PROP_PARAM: store(buffer, head->mph_param), len = 8; break;
-    case MM_PROP_UNSBREAK: store(buffer, head->mph_unsbreak), len = 8; break;
-    case MM_PROP_LOCK: store(buffer, head->mph_lock), len = 8; break;
-    case MM_PROP_LOCKARG: store(buffer, head->mph_lockarg), len = 8; break;
-    case MM_PROP_UNLOCK: store(buffer, head->mph_unlock), len = 8; break;
+    case MM_PROP_TYPE: put(mmh->mmh_type); break;
+    case MM_PROP_CHUNKSIZE: put(head->mph_chunksize); break;
+    case MM_PROP_MAXSIZE: put(head->mph_maxsize); break;
+    case MM_PROP_BLOCKSIZE: put(mmh->mmh_blocksize); break;
+    case MM_PROP_SBREAK: put(head->mph_sbreak); break;
+    case MM_PROP_PARAM: put(head->mph_param); break;
+    case MM_PROP_UNSBREAK: put(head->mph_unsbreak); break;
+    case MM_PROP_LOCK: put(head->mph_lock); break;
+    case MM_PROP_LOCKARG: put(head->mph_lockarg); break;
+    case MM_PROP_UNLOCK: put(head->mph_unlock); break;
     case MM_PROP_SUBPOOL: {
         // buflen carries the tag.
         MM_HANDLE *child = mmh->mmh_child;
@@ -108,8 +113,7 @@ CS_RETCODE get_property(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT
         if (!child)
             if (CS_RETCODE rc = com___subpool(mmh, buflen, &child); rc != CS_SUCCEED)
                 return KES_TRACE(rc);
-        store(buffer, child);
-        len = 8;
+        put(child);
         break;
     }
     default: // MM_PROP_ADDHEAP: a region cannot be read back
@@ -140,9 +144,10 @@ CS_RETCODE set_property(MM_HANDLE *mmh, CS_INT property, CS_VOID *buffer, CS_INT
         const auto value = load<CS_INT>(buffer);
         if (value <= 0 || (property == MM_PROP_BLOCKSIZE && settled))
             return KES_TRACE(CS_FAIL);
-        (property == MM_PROP_BLOCKSIZE   ? mmh->mmh_blocksize
-         : property == MM_PROP_CHUNKSIZE ? head->mph_chunksize
-                                         : head->mph_maxsize) = value;
+        CS_INT *field = property == MM_PROP_BLOCKSIZE   ? &mmh->mmh_blocksize
+                        : property == MM_PROP_CHUNKSIZE ? &head->mph_chunksize
+                                                        : &head->mph_maxsize;
+        *field = value;
         return CS_SUCCEED;
     }
     case MM_PROP_SBREAK: head->mph_sbreak = load<MM_SBREAK_FUNC>(buffer); return CS_SUCCEED;

@@ -138,6 +138,23 @@ TEST(MmBuddy, FreeDoesNotMergeButAShortageCompacts)
     EXPECT_EQ(pool.h->mmh_head->mph_totalsize, total) << "a new region was drawn instead";
 }
 
+TEST(MmBuddy, CompactionMergesTheHalvesOfAMegabyteBlock)
+{
+    // The offset marker keeps 19 address bits: the two 512 KiB halves of the
+    // largest big block differ only above them.
+    Pool pool(MM_BUDDY, 1 << 24);
+    const CS_UINT half = (1u << 19) - 8;
+    void *low = pool.alloc(half);
+    void *high = pool.alloc(half);
+    ASSERT_EQ(static_cast<CS_BYTE *>(high) - static_cast<CS_BYTE *>(low), 1 << 19);
+    ASSERT_EQ(comn_mmfree(pool.h, high), CS_SUCCEED);
+    ASSERT_EQ(comn_mmfree(pool.h, low), CS_SUCCEED);
+    const int calls = pool.supplier.calls;
+    EXPECT_EQ(pool.alloc((1u << 20) - 8), low);
+    EXPECT_EQ(pool.supplier.calls, calls);
+    EXPECT_EQ(header_word(low) & MM_BUDDY_INDEX_MASK, 16u);
+}
+
 TEST(MmBuddy, CompactionLeavesAllocatedBuddiesAlone)
 {
     Pool pool;
