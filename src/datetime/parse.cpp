@@ -65,6 +65,7 @@ public:
         return a != 0 ? a : static_cast<unsigned char>(*p) | 0x100;
     }
 
+    bool single() const { return single_; }
     bool digit(const char *p) const { return has(p, CS_CT_DIGIT); }
     bool alpha(const char *p) const { return has(p, CS_CT_UPPER | CS_CT_LOWER); }
 
@@ -120,8 +121,9 @@ int number_kind(int digits)
     }
 }
 
-// The token at *cpp, read through chars (the view of chatr).
-int read_token(const Chars &chars, char **cpp, int *lenp, struct com__datecrack *dc, char **mths,
+// The token at *cpp, read through chars (the view of chatr).  Inlined into
+// the grammar's loop: the work per token is small beside a call.
+[[gnu::always_inline]] inline int read_token(const Chars &chars, char **cpp, int *lenp, struct com__datecrack *dc, char **mths,
                char **shortmths, CHAR_ATTRIB *chatr)
 {
     char *cp = *cpp;
@@ -215,7 +217,16 @@ struct Tokens {
     int kind(int i) const { return i >= 0 && i < DC_MAXTOKENS ? dc[i].dctoken : DC_END; }
     bool is(int i, int k) const { return kind(i) == k; }
     bool is_point(int i) const { return is(i, DC_SEPARATOR) && dc[i].dcvalue == -1; }
-    int find(int token) { return token >= 0 && !(present & (1u << token)) ? -1 : findtoken(dc, token); }
+    // findtoken, skipping kinds that were never read.
+    int find(int token) const
+    {
+        if (token >= 0 && !(present & (1u << token)))
+            return -1;
+        for (int i = 0; i < DC_MAXTOKENS && dc[i].dctoken != DC_END; i++)
+            if (token >= 0 ? dc[i].dctoken == token : dc[i].dctoken != -token)
+                return i;
+        return -1;
+    }
     CS_INT take(int i)
     {
         dc[i].dctoken = DC_USED;
@@ -473,6 +484,20 @@ int datelookup(char *cp, int len, char **list, int cnt, CHAR_ATTRIB *chatr)
         const char *entry = list[i];
         if (entry == nullptr)
             continue;
+        if (chars.single()) {
+            // One byte per character: compare as the entry is walked, no
+            // length needed.
+            const char *e = entry;
+            int at = 0;
+            for (; *e != '\0' && at < textlen; e++, at++) {
+                const int a = chars.ascii(e);
+                if ((a != 0 ? static_cast<char>(a) : *e) != text[at])
+                    break;
+            }
+            if (*e == '\0' && at == textlen)
+                return i;
+            continue;
+        }
         const int entrylen = static_cast<int>(std::strlen(entry));
         char norm[kLookupMax + 16]; // the text's length plus one character
         int normlen = 0;
