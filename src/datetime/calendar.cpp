@@ -73,6 +73,16 @@ int make_seconds(const CS_DATEREC *pp, uint32_t hour_max, int64_t *acc)
     return 0;
 }
 
+// Hour, minute and second of a count of seconds since midnight.
+void split_seconds(uint32_t seconds, CS_DATEREC *pp)
+{
+    const uint32_t minutes = seconds / 60;
+    const uint32_t hours = minutes / 60;
+    pp->datehour = static_cast<CS_INT>(hours);
+    pp->dateminute = static_cast<CS_INT>(minutes - hours * 60);
+    pp->datesecond = static_cast<CS_INT>(seconds - minutes * 60);
+}
+
 template <class T> CS_INT compare(T a, T b) { return a < b ? -1 : (a > b ? 1 : 0); }
 
 } // namespace
@@ -107,13 +117,13 @@ void com__datecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
     // Euclidean affine calendar functions).
     const uint64_t n1 = 4 * (static_cast<uint64_t>(days) + 306) + 3;
     const auto century = static_cast<uint32_t>(n1 / 146097);
-    const auto n2 = static_cast<uint32_t>(n1 % 146097) | 3;              // 4 * day of century + 3
+    const auto n2 = static_cast<uint32_t>(n1 % 146097) | 3;    // 4 * day of century + 3
     const uint64_t u2 = uint64_t{2939745} * n2;
     const auto year_of_century = static_cast<uint32_t>(u2 >> 32);
-    const uint32_t doy = static_cast<uint32_t>(u2) / 2939745 / 4;          // from March 1
+    const uint32_t doy = static_cast<uint32_t>(u2) / 2939745 / 4; // from March 1
     const uint32_t n3 = 2141 * doy + 197913;
-    const uint32_t month = n3 >> 16;                                     // 3 is March, 14 February
-    const uint32_t jan = doy > 305;                                      // January and February close the year
+    const uint32_t month = n3 >> 16;                            // 3 is March, 14 February
+    const uint32_t jan = doy > 305; // January and February close the year
     const uint32_t leap = (year_of_century & 3) == 0 && (year_of_century != 0 || (century & 3) == 0);
     pp->dateyear = static_cast<CS_INT>(100 * century + year_of_century + jan);
     pp->datemonth = static_cast<CS_INT>(month - 1 - 12 * jan);
@@ -126,9 +136,7 @@ void com__timecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
 {
     const auto ticks = static_cast<uint32_t>(dtp->dttime) & 0x1ffffff;
     const uint32_t seconds = ticks / kTicksPerSecond;
-    pp->datehour = static_cast<CS_INT>(seconds / 3600);
-    pp->dateminute = static_cast<CS_INT>(seconds / 60 % 60);
-    pp->datesecond = static_cast<CS_INT>(seconds % 60);
+    split_seconds(seconds, pp);
     pp->datemsecond = static_cast<CS_INT>((ticks - seconds * kTicksPerSecond) * 10 / 3);
     pp->datesecprec = kTicksPerSecond;
     pp->datesecfrac = 0;
@@ -144,9 +152,7 @@ void com__bigtimecrack(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
 {
     const uint64_t us = *bdt % kMicrosPerDay;
     const auto seconds = static_cast<uint32_t>(us / kMicrosPerSecond);
-    pp->datehour = static_cast<CS_INT>(seconds / 3600);
-    pp->dateminute = static_cast<CS_INT>(seconds / 60 % 60);
-    pp->datesecond = static_cast<CS_INT>(seconds % 60);
+    split_seconds(seconds, pp);
     pp->datemsecond = 0;
     pp->datesecprec = static_cast<CS_INT>(kMicrosPerSecond);
     pp->datesecfrac = static_cast<CS_INT>(us - uint64_t{seconds} * kMicrosPerSecond);
