@@ -130,7 +130,7 @@ int com__mnyinit(CS_MONEY *mp, int trim)
     const int64_t v = value(*mp);
     uint64_t mag = magnitude(v);
     unsigned last = 0;
-    for (int i = 0; i < trim && mag != 0; ++i) {
+    for (int i = 0; i < trim && i < 20; ++i) { // 20 digits empty any magnitude
         last = static_cast<unsigned>(mag % 10);
         mag /= 10;
     }

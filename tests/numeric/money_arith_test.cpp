@@ -208,6 +208,15 @@ TEST(MoneySmall, InitAndDigitsHandTheSignToTheCaller)
     m = M(150);
     EXPECT_EQ(com_mnyinit(&m, 2), 0);
     EXPECT_EQ(V(m), 2);
+    m = M(5);
+    EXPECT_EQ(com_mnyinit(&m, 3), 0);
+    EXPECT_EQ(V(m), 0) << "5 -> 0.005: the last removed digit is 0";
+    m = M(500);
+    EXPECT_EQ(com_mnyinit(&m, 3), 0);
+    EXPECT_EQ(V(m), 1);
+    m = M(kMax);
+    EXPECT_EQ(com_mnyinit(&m, 40), 0);
+    EXPECT_EQ(V(m), 0);
 }
 
 TEST(MoneySmall, CompareCopyZeroAndLimits)
