@@ -1,6 +1,6 @@
 // The built-in ISO 8859-1 description, computed at compile time from the
 // layout of the code page: C0 and C1 controls, ASCII, the Latin-1 symbols and
-// the two letter blocks.  The odd entries of the design are spelled out as
+// the two letter blocks.  The table's deliberate oddities are spelled out as
 // such below (0E-0F, 8E-8F, A0 and AD count as white space, DF as upper case).
 #include <array>
 

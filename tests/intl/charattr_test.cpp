@@ -45,7 +45,7 @@ TEST(Iso1, RecordFields)
     EXPECT_EQ(com_get_charattrib(), a) << "one constant record";
 }
 
-// The design's table of ranges, typed from the reference rather than derived:
+// The table of ranges typed out by hand rather than derived:
 // every byte must fall in exactly one row and match it.
 struct Iso1Row {
     std::set<int> bytes;
@@ -130,7 +130,7 @@ TEST(Iso1, Soundex)
 }
 
 // Differential: the ASCII half against the C library in the "C" locale.  The
-// design counts 0E and 0F as white space where the C library does not.
+// table counts 0E and 0F as white space where the C library does not.
 TEST(Iso1, AsciiHalfAgreesWithTheCLibrary)
 {
     for (int b = 0; b < 128; ++b) {
@@ -154,8 +154,8 @@ TEST(Iso1, AsciiHalfAgreesWithTheCLibrary)
 // Differential: all 256 code points against ICU's Unicode properties (ISO
 // 8859-1 is the first block of Unicode).  Case mappings must agree wherever
 // the partner is inside the code page; the classes may differ only at the
-// design's known odd entries.
-TEST(Iso1, AgreesWithIcuUpToTheDesignedExceptions)
+// table's deliberate odd entries.
+TEST(Iso1, AgreesWithIcuUpToTheDeliberateOddities)
 {
     std::set<int> upper_diff, lower_diff, digit_diff, space_diff;
     for (int b = 0; b < 256; ++b) {
@@ -177,7 +177,7 @@ TEST(Iso1, AgreesWithIcuUpToTheDesignedExceptions)
         EXPECT_EQ(static_cast<CS_BYTE>(out), low <= 0xFF ? low : b) << "tolower " << b;
     }
     // Sharp s is filed as upper case, and the micro sign is a symbol, not a
-    // letter, in the design.
+    // letter, in this table.
     EXPECT_EQ(upper_diff, (std::set<int>{0xDF}));
     EXPECT_EQ(lower_diff, (std::set<int>{0xB5, 0xDF}));
     EXPECT_EQ(digit_diff, std::set<int>{});
