@@ -2,8 +2,6 @@
 // layout of the code page: C0 and C1 controls, ASCII, the Latin-1 symbols and
 // the two letter blocks.  The table's deliberate oddities are spelled out as
 // such below (0E-0F, 8E-8F, A0 and AD count as white space, DF as upper case).
-#include <array>
-
 #include "intl/charattr.h"
 
 namespace {
