@@ -16,6 +16,7 @@
 #include "kescomn/conv_float.h"
 #include "kescomn/numeric.h"
 #include "kescomn/money.h"
+#include "kescomn/numconv.h"
 #include "kescomn/datetime.h"
 #include "kescomn/datetext.h"
 #include "kescomn/nulls.h"

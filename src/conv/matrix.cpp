@@ -11,6 +11,7 @@
 #include "kescomn/conv_float.h"
 #include "kescomn/conv_int.h"
 #include "kescomn/money.h"
+#include "kescomn/numconv.h"
 #include "kescomn/numeric.h"
 #include "kescomn/conv_scan.h"
 #include "kescomn/conv_string.h"
@@ -134,8 +135,10 @@ constexpr void long_cells(Matrix &m, int row)
         .scalar = {.tochar = comn_##p##tochar, .tobin = comn_##p##tobin, .toi1 = comn_##p##toi1, \
                    .toi2 = comn_##p##toi2, .toi4 = comn_##p##toi4, .toflt4 = comn_##p##toflt4, \
                    .toflt8 = comn_##p##toflt8, .tobit = comn_##p##tobit,                     \
-                   .tovarchar = comn_##p##tovarchar, .tovarbin = comn_##p##tovarbin,         \
-                   .toi8 = comn_##p##toi8, .toui2 = comn_##p##toui2, .toui4 = comn_##p##toui4, \
+                   .tomoney = comn_##p##tomoney, .tomny4 = comn_##p##tomny4,                 \
+                   .tonum = comn_##p##tonum, .tovarchar = comn_##p##tovarchar,               \
+                   .tovarbin = comn_##p##tovarbin, .toi8 = comn_##p##toi8,                   \
+                   .toui2 = comn_##p##toui2, .toui4 = comn_##p##toui4,                       \
                    .toui8 = comn_##p##toui8}                                                 \
     }
 // Bytes as every fixed type, as hexadecimal text and as bytes.
@@ -162,9 +165,9 @@ constexpr TextCells varbin_cells = KES_BYTES_CELLS(varbin);  // CS_VARBINARY
 constexpr TextCells unichar_cells{}; // CS_UNICHAR, CS_UNITEXT
 constexpr ScalarCells flt4_cells = KES_INT_CELLS(flt4); // floats fill the same members
 constexpr ScalarCells flt8_cells = KES_INT_CELLS(flt8);
-constexpr ScalarCells money_cells{};
-constexpr ScalarCells mny4_cells{};
-constexpr ScalarCells num_cells{}; // CS_NUMERIC, CS_DECIMAL
+constexpr ScalarCells money_cells = KES_INT_CELLS(money);
+constexpr ScalarCells mny4_cells = KES_INT_CELLS(mny4);
+constexpr ScalarCells num_cells = KES_INT_CELLS(num); // CS_NUMERIC, CS_DECIMAL
 constexpr DateCells date_cells{};  // CS_DATETIME
 constexpr DateCells date4_cells{}; // CS_DATETIME4
 constexpr DateCells datea_cells{}; // CS_DATE
@@ -205,6 +208,11 @@ constexpr Matrix build_matrix()
     scalar_row(m, CS_MONEY4_TYPE, mny4_cells);
     scalar_row(m, CS_NUMERIC_TYPE, num_cells);
     scalar_row(m, CS_DECIMAL_TYPE, num_cells);
+    // The numeric column of the float, money and numeric rows.
+    for (auto [row, f] : std::initializer_list<std::pair<int, F>>{
+             {CS_REAL_TYPE, comn_flt4tonum}, {CS_FLOAT_TYPE, comn_flt8tonum}, {CS_MONEY_TYPE, comn_moneytonum},
+             {CS_MONEY4_TYPE, comn_mny4tonum}, {CS_NUMERIC_TYPE, comn_numtonum}, {CS_DECIMAL_TYPE, comn_numtonum}})
+        put(m, row, {16, 17}, f);
 
     date_row(m, CS_DATETIME_TYPE, date_cells);
     date_row(m, CS_DATETIME4_TYPE, date4_cells);
