@@ -47,44 +47,44 @@ KES_API CS_INT com_bigdatetimemake(CS_BIGDATETIME *bdt, CS_DATEREC *pp);
 
 /* The part of a CS_DATETIME; a bad part is an assertion failure. */
 KES_API int com_datepart(int part, CS_DATETIME *to, int firstday);
-KES_API int com__datepart(int part, CS_DATETIME *to, int firstday);
 /* The part of a CS_BIGDATETIME. */
-KES_API int com__bigdatepart(int part, CS_BIGDATETIME *bdt, int firstday);
+KES_API int com_bigdatepart(int part, CS_BIGDATETIME *bdt, int firstday);
 
 /* The text of a part into cp (at most 30 bytes, no terminator): numbers in a
    field of 4 (microseconds 6, "*" when wider), month and weekday names from
    the lists.  The length; 0 for a null list or a part outside 0 to 14.  Part
    13 always names days[1]. */
 KES_API int com_datename(int part, CS_DATETIME *date, char *cp, char **months, char **days);
-KES_API int com__datename(int part, CS_DATETIME *date, char *cp, char **months, char **days);
-KES_API int com__bigdatename(int part, CS_BIGDATETIME *bdt, char *cp, char **months, char **days);
+KES_API int com_bigdatename(int part, CS_BIGDATETIME *bdt, char *cp, char **months, char **days);
 
-/* ---- arithmetic ----------------------------------------------------------- */
+/* ---- arithmetic ------------------------------------------------------------
+** The checked entries of the kernels the server library calls.
+*/
 
 /* to - from in units of part (0 to 13; other parts leave *diff alone):
    boundaries crossed for years, quarters, months and Sunday weeks (10, 12),
    cut toward zero for the others.  1, with *diff untouched, when minutes,
    seconds or milliseconds overflow 32 bits; else 0. */
-KES_API int com__datediff(int part, CS_DATETIME *from, CS_DATETIME *to, CS_INT *diff);
+KES_API int com_datediff(int part, CS_DATETIME *from, CS_DATETIME *to, CS_INT *diff);
 /* The same for CS_BIGDATETIME, parts 0 to 14, 64-bit; its week boundary is
    Wednesday.  Always 0. */
-KES_API int com__bigdatediff(int part, CS_BIGDATETIME *from, CS_BIGDATETIME *to, CS_BIGINT *diff);
+KES_API int com_bigdatediff(int part, CS_BIGDATETIME *from, CS_BIGDATETIME *to, CS_BIGINT *diff);
 
 /* Adds value units of part (0 to 13) to *to.  Months and years keep the day,
    clamped to the month's end.  0, a status of com_datemake, or 1 when the
    result leaves the range; a bad part is an assertion failure, then -101. */
-KES_API int com__date_add(int part, CS_INT value, CS_DATETIME *to);
+KES_API int com_date_add(int part, CS_INT value, CS_DATETIME *to);
 /* The same on a CS_BIGDATETIME with parts 0 to 14; type 187 (bigdatetime) or
    188 (bigtime) says which range the result must stay in. */
-KES_API int com__bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to, CS_BYTE type);
+KES_API int com_bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to, CS_BYTE type);
 
 /* Addition on server descriptors: a 4- or 8-byte datetime-family source, a
    result of server type 61, 49, 51 or 58.  0, or 1 for anything that fails. */
-KES_API int com__dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result);
+KES_API int com_dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result);
 /* The same for an 8-byte big source and a result of type 187 or 188. */
-KES_API int com__bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result);
+KES_API int com_bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result);
 /* 1 when the (4- or 8-byte) datetime of src has a valid date and time, else 0. */
-KES_API int com__valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf);
+KES_API int com_valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf);
 
 /* ---- comparison and setters ----------------------------------------------- */
 

@@ -100,6 +100,20 @@ int com__bigdatemake(CS_BIGDATETIME *bdt, CS_DATEREC *pp);
    success. */
 int com__bigtimemake(CS_BIGTIME *bt, CS_DATEREC *pp);
 
+/* The kernels behind the checked entries of kescomn/datetime.h (com_datepart
+   and the like), with the same contracts. */
+int com__datepart(int part, CS_DATETIME *to, int firstday);
+int com__bigdatepart(int part, CS_BIGDATETIME *bdt, int firstday);
+int com__datename(int part, CS_DATETIME *date, char *cp, char **months, char **days);
+int com__bigdatename(int part, CS_BIGDATETIME *bdt, char *cp, char **months, char **days);
+int com__datediff(int part, CS_DATETIME *from, CS_DATETIME *to, CS_INT *diff);
+int com__bigdatediff(int part, CS_BIGDATETIME *from, CS_BIGDATETIME *to, CS_BIGINT *diff);
+int com__date_add(int part, CS_INT value, CS_DATETIME *to);
+int com__bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to, CS_BYTE type);
+int com__dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result);
+int com__bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result);
+int com__valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf);
+
 /* part (0 to 14) of a cracked record.  dayselapsed is the dtdays of the date,
    odatetype 12 or 35 says where milli- and microseconds come from.  A bad
    part is an assertion failure, then -101. */

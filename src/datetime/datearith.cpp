@@ -379,4 +379,35 @@ int com__valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf)
     return com__date_add(0, 0, &by_year) == 0 && com__date_add(7, 0, &by_minute) == 0;
 }
 
+// ---- the checked entries: every kernel above asserts its pointers --------
+
+int com_datediff(int part, CS_DATETIME *from, CS_DATETIME *to, CS_INT *diff)
+{
+    return com__datediff(part, from, to, diff);
+}
+
+int com_bigdatediff(int part, CS_BIGDATETIME *from, CS_BIGDATETIME *to, CS_BIGINT *diff)
+{
+    return com__bigdatediff(part, from, to, diff);
+}
+
+int com_date_add(int part, CS_INT value, CS_DATETIME *to) { return com__date_add(part, value, to); }
+
+int com_bigdate_add(int part, CS_INT value, CS_BIGDATETIME *to, CS_BYTE type)
+{
+    return com__bigdate_add(part, value, to, type);
+}
+
+int com_dateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result)
+{
+    return com__dateadd_both(part, value, src, result);
+}
+
+int com_bigdateadd_both(int part, CS_INT value, __CONSTANT *src, __CONSTANT *result)
+{
+    return com__bigdateadd_both(part, value, src, result);
+}
+
+int com_valid_datetime(__CONSTANT *src, CS_BYTE *cast_buf) { return com__valid_datetime(src, cast_buf); }
+
 } // extern "C"

@@ -143,6 +143,8 @@ int com__bigdatepart(int part, CS_BIGDATETIME *bdt, int firstday)
     return com__daterecpart(part, &rec, firstday, big_days(*bdt), CS_BIGDATETIME_TYPE);
 }
 
+int com_bigdatepart(int part, CS_BIGDATETIME *bdt, int firstday) { return com__bigdatepart(part, bdt, firstday); }
+
 int com__datenameval(int part, char *cp, char **months, char **days, int value, int dayselapsed)
 {
     switch (part) {
@@ -188,6 +190,11 @@ int com__bigdatename(int part, CS_BIGDATETIME *bdt, char *cp, char **months, cha
         return 0;
     return com__datenameval(part, cp, months, days, com__bigdatepart(part, bdt, 0),
                             part == 13 ? 0 : big_days(*bdt));
+}
+
+int com_bigdatename(int part, CS_BIGDATETIME *bdt, char *cp, char **months, char **days)
+{
+    return com__bigdatename(part, bdt, cp, months, days);
 }
 
 } // extern "C"

@@ -221,7 +221,7 @@ std::optional<Value> add(int part, CS_INT n, const Value &v, const TypeInfo &typ
         std::memcpy(in, &v.big, 8);
         src.len = 8;
         dest.maxlen = 8;
-        if (com__bigdateadd_both(part, n, &src, &dest) != 0)
+        if (com_bigdateadd_both(part, n, &src, &dest) != 0)
             return std::nullopt;
         std::memcpy(&out.big, result, 8);
         return out;
@@ -244,7 +244,7 @@ std::optional<Value> add(int part, CS_INT n, const Value &v, const TypeInfo &typ
         std::memcpy(in, &v.dt, 8);
         src.len = dest.maxlen = 8;
     }
-    if (com__dateadd_both(part, n, &src, &dest) != 0)
+    if (com_dateadd_both(part, n, &src, &dest) != 0)
         return std::nullopt;
     switch (type.kind) {
     case Kind::date: std::memcpy(&out.dt.dtdays, result, 4); break;
@@ -345,8 +345,8 @@ int run_date(std::span<char *> args)
             return fail(error);
         CS_DATETIME dt = v->dt;
         CS_BIGDATETIME big = v->big;
-        std::printf("%d\n", is_big(o.type->kind) ? com__bigdatepart(*part, &big, o.firstday)
-                                                  : com__datepart(*part, &dt, o.firstday));
+        std::printf("%d\n", is_big(o.type->kind) ? com_bigdatepart(*part, &big, o.firstday)
+                                                  : com_datepart(*part, &dt, o.firstday));
         return 0;
     }
     if (op == "add") {
@@ -371,13 +371,13 @@ int run_date(std::span<char *> args)
     if (is_big(o.type->kind)) {
         CS_BIGDATETIME from = a->big, to = b->big;
         CS_BIGINT diff = 0;
-        com__bigdatediff(*part, &from, &to, &diff);
+        com_bigdatediff(*part, &from, &to, &diff);
         std::printf("%lld\n", static_cast<long long>(diff));
         return 0;
     }
     CS_DATETIME from = a->dt, to = b->dt;
     CS_INT diff = 0;
-    if (com__datediff(*part, &from, &to, &diff) != 0) {
+    if (com_datediff(*part, &from, &to, &diff) != 0) {
         std::fprintf(stderr, "kescomn: the difference does not fit 32 bits in that unit\n");
         return 1;
     }
