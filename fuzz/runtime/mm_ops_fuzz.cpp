@@ -189,7 +189,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     Reader in(data, size);
     const CS_INT type = MM_BUDDY + in.byte() % 3;
-    const CS_INT blocksize = 1 + in.u16() % 9000;
+    // Mostly small block sizes; the top bit asks for big ones, up to the
+    // largest buddy size.
+    const uint16_t raw = in.u16();
+    const CS_INT blocksize = (raw & 0x8000) ? 1 + ((raw & 0x7fff) << 6) : 1 + raw % 9000;
     const uint8_t supply = in.byte() % 3;
 
     CS_CONTEXT ctx;
