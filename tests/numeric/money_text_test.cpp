@@ -3,6 +3,7 @@
 #include <random>
 #include <string>
 
+#include "../../fuzz/conv/scan_charset.h"
 #include "numeric/mny.h"
 #include "support/context.h"
 
@@ -227,6 +228,30 @@ TEST(MoneyParse, DigitsOfAnotherFormCountThroughTheNormalisationMap)
     EXPECT_EQ(V(m), -125000);
     std::string dollar = "$5"; // no currency class in this set
     EXPECT_EQ(com__mnyfromchar_mb(&m, dollar.data(), static_cast<int>(dollar.size()), 0, &attrib), 2);
+}
+
+TEST(MoneyParse, DoubleByteTextStepsByWholeCharacters)
+{
+    kes::fuzz::ScanCharset two(false); // 0xA3 0xA0..0xFE: full-width ASCII
+    const struct {
+        std::string text;
+        int status;
+        int64_t value;
+    } cases[] = {
+        {"\xA3\xAD\xA3\xB1\xA3\xB2\xA3\xAE\xA3\xB5", 0, -125000}, // full-width "-12.5"
+        {"1\xA3\xAC" "234", 0, 12340000},                           // a full-width group mark
+        {"12\xA3\xA0\xA3\xA0", 0, 120000},                          // full-width blanks in the tail
+        {"12\xA3", 2, 0},                                           // a lead byte cut off at the end
+        {"\xB0\xA1", 2, 0},                                         // a pair without a normal form
+    };
+    for (const auto &c : cases) {
+        std::vector<char> text(c.text.begin(), c.text.end()); // exact size: no byte after the text
+        CS_MONEY m = M(99);
+        EXPECT_EQ(com__mnyfromchar_mb(&m, text.data(), static_cast<int>(text.size()), 0, &two.attr), c.status)
+            << kes::test::hex(text.data(), text.size());
+        if (c.status == 0)
+            EXPECT_EQ(V(m), c.value) << kes::test::hex(text.data(), text.size());
+    }
 }
 
 TEST(MoneyParse, Money4NarrowsAndFailsOutsideItsRange)
