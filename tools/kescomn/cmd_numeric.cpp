@@ -2,11 +2,11 @@
 // decimal texts.  Each operand takes the precision and scale of its text
 // unless --p1/--s1/--p2/--s2 say otherwise; the result is printed with the
 // precision and scale the library chose for it.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <strings.h>
 #include <vector>
 
@@ -26,97 +26,85 @@ struct Operation {
 constexpr Operation kOperations[] = {
     {"ADD", Op::add}, {"SUB", Op::sub}, {"MUL", Op::mul}, {"DIV", Op::div}, {"CMP", Op::cmp}};
 
-// Decimal text ("-12.50") into a record; precision and scale default to the
-// text's digits and decimals.  False with a message when it does not fit.
-bool parse_numeric(std::string_view text, std::optional<long long> prec, std::optional<long long> scale,
-                   CS_NUMERIC &out, std::string &error)
+// Decimal text ("-12.50", "1.5e3" with --s) into a record through the
+// library's own text conversion; precision and scale default to the text's
+// digits and decimals.  False with a message when it does not convert.
+bool parse_numeric(CS_CONTEXT *context, const std::string &text, std::optional<long long> prec,
+                   std::optional<long long> scale, CS_NUMERIC &out, std::string &error)
 {
-    const std::string original(text);
-    bool neg = false;
-    if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
-        neg = text[0] == '-';
-        text.remove_prefix(1);
-    }
-    std::string digits;
-    int decimals = -1;
-    for (char c : text) {
-        if (c == '.' && decimals < 0) {
-            decimals = 0;
-        } else if (c >= '0' && c <= '9') {
-            digits += c;
-            if (decimals >= 0)
-                ++decimals;
-        } else {
-            error = "'" + original + "' is not a decimal number";
-            return false;
-        }
-    }
-    if (digits.empty()) {
-        error = "'" + original + "' has no digits";
+    if (text.empty()) {
+        error = "an empty value is not a decimal number";
         return false;
     }
-    decimals = decimals < 0 ? 0 : decimals;
-    const long long s = scale.value_or(decimals);
-    if (s < 0 || s > 77) {
-        error = "scale " + std::to_string(s) + " is outside 0 to 77";
+    auto convert = [&](CS_INT p, CS_INT s) {
+        CS_DATAFMT srcfmt{};
+        srcfmt.datatype = CS_CHAR_TYPE;
+        srcfmt.maxlength = static_cast<CS_INT>(text.size());
+        CS_DATAFMT destfmt{};
+        destfmt.datatype = CS_NUMERIC_TYPE;
+        destfmt.maxlength = sizeof(CS_NUMERIC);
+        destfmt.precision = p;
+        destfmt.scale = s;
+        std::memset(&out, 0, sizeof out);
+        CS_INT len = 0;
+        return comn_chartonum(context, &srcfmt, const_cast<char *>(text.data()), &destfmt, &out, &len);
+    };
+    auto refuse = [&](CS_RETCODE rc) {
+        error = "'" + text + "' is not a decimal number of that precision and scale (" + retcode_name(rc) + ")";
+        return false;
+    };
+    if (scale && (*scale < 0 || *scale > 77)) {
+        error = "scale " + std::to_string(*scale) + " is outside 0 to 77";
         return false;
     }
-    if (decimals > s) {
-        error = "'" + original + "' has more than " + std::to_string(s) + " decimals";
+    if (prec && (*prec < 1 || *prec > 77)) {
+        error = "precision " + std::to_string(*prec) + " is outside 1 to 77";
         return false;
     }
-    digits.append(static_cast<size_t>(s - decimals), '0');
-    const size_t first = digits.find_first_not_of('0');
-    const long long sig = first == std::string::npos ? 0 : static_cast<long long>(digits.size() - first);
-    const long long p = prec.value_or(sig < 1 ? 1 : sig);
-    if (p < 1 || p > 77) {
-        error = "precision " + std::to_string(p) + " is outside 1 to 77";
+    // The text's own shape does not account for an exponent.
+    if (!prec && text.find_first_of("eE") != std::string::npos) {
+        error = "'" + text + "' has an exponent: give its precision (--p1 or --p2)";
         return false;
     }
-    if (sig > p) {
-        error = "'" + original + "' needs more than " + std::to_string(p) + " digits";
+    // A scale without a precision keeps the text's integer digits.
+    if (scale && !prec) {
+        if (CS_RETCODE rc = convert(CS_SRC_VALUE, CS_SRC_VALUE); rc != CS_SUCCEED)
+            return refuse(rc);
+        const long long intdigits = out.scale <= 77 ? out.precision - out.scale : out.precision;
+        prec = std::clamp(std::max(intdigits, 1LL) + *scale, 1LL, 77LL);
+    }
+    const CS_RETCODE rc = convert(prec ? static_cast<CS_INT>(*prec) : CS_SRC_VALUE,
+                                  scale ? static_cast<CS_INT>(*scale) : CS_SRC_VALUE);
+    if (rc != CS_SUCCEED)
+        return refuse(rc);
+    if (out.scale > 77) {
+        error = "'" + text + "' has no scale of its own";
         return false;
     }
-    std::memset(&out, 0, sizeof out);
-    out.precision = static_cast<CS_BYTE>(p);
-    out.scale = static_cast<CS_BYTE>(s);
-    const int len = comn_num_getlen(static_cast<CS_INT>(p));
-    for (char c : digits) {
-        unsigned carry = static_cast<unsigned>(c - '0');
-        for (int i = len - 1; i >= 1; --i) {
-            const unsigned v = out.array[i] * 10u + carry;
-            out.array[i] = static_cast<CS_BYTE>(v);
-            carry = v >> 8;
-        }
-    }
-    out.array[0] = neg && sig > 0 ? 1 : 0;
     return true;
 }
 
-// A record as decimal text with all its decimals.
-std::string format_numeric(const CS_NUMERIC &n)
+// A record as decimal text with all its decimals, through the library.  A
+// negative value at scale 77 has no text of its own: its magnitude is
+// printed behind a "-".
+std::string format_numeric(CS_CONTEXT *context, CS_NUMERIC n)
 {
-    CS_BYTE mag[CS_MAX_NUMLEN];
-    const int len = comn_num_getlen(n.precision);
-    std::memcpy(mag, n.array + 1, static_cast<size_t>(len - 1));
-    std::string digits;
-    bool nonzero = true;
-    while (nonzero) {
-        unsigned rem = 0;
-        nonzero = false;
-        for (int i = 0; i < len - 1; ++i) {
-            const unsigned cur = (rem << 8) | mag[i];
-            mag[i] = static_cast<CS_BYTE>(cur / 10);
-            rem = cur % 10;
-            nonzero |= mag[i] != 0;
-        }
-        digits.insert(digits.begin(), static_cast<char>('0' + rem));
+    std::string sign;
+    if (n.scale == 77 && n.array[0] != 0) {
+        n.array[0] = 0;
+        sign = "-";
     }
-    if (digits.size() <= n.scale)
-        digits.insert(0, n.scale + 1 - digits.size(), '0');
-    if (n.scale > 0)
-        digits.insert(digits.size() - n.scale, ".");
-    return (n.array[0] != 0 ? "-" : "") + digits;
+    CS_DATAFMT srcfmt{};
+    srcfmt.datatype = CS_NUMERIC_TYPE;
+    srcfmt.maxlength = sizeof(CS_NUMERIC);
+    CS_DATAFMT destfmt{};
+    destfmt.datatype = CS_CHAR_TYPE;
+    destfmt.maxlength = 80;
+    char text[80];
+    CS_INT len = 0;
+    if (comn_numtochar(context, &srcfmt, &n, &destfmt, text, &len) != CS_SUCCEED)
+        return "?";
+    return sign + std::string(text, static_cast<size_t>(len));
 }
 
 int run_numeric(std::span<char *> args)
@@ -146,10 +134,16 @@ int run_numeric(std::span<char *> args)
     if (operation == nullptr)
         return fail(std::string("unknown numeric operation '") + words[0] + "'; use ADD, SUB, MUL, DIV or CMP");
 
+    CS_CONTEXT context{};
+    com_conv_init(&context);
     CS_NUMERIC a, b, result;
     std::string error;
-    if (!parse_numeric(words[1], opt[0], opt[1], a, error) || !parse_numeric(words[2], opt[2], opt[3], b, error))
+    const bool parsed = parse_numeric(&context, words[1], opt[0], opt[1], a, error) &&
+                        parse_numeric(&context, words[2], opt[2], opt[3], b, error);
+    if (!parsed) {
+        com_conv_free(&context);
         return fail(error);
+    }
     std::memset(&result, 0, sizeof result);
 
     CS_RETCODE rc = CS_SUCCEED;
@@ -158,10 +152,14 @@ int run_numeric(std::span<char *> args)
     case Op::sub: rc = comn_numsub(&a, &b, &result); break;
     case Op::mul: rc = comn_nummul(&a, &b, &result); break;
     case Op::div: rc = comn_numdivide(&a, &b, &result); break;
-    case Op::cmp: std::printf("%d\n", static_cast<int>(comn_numcmp(&a, &b))); return 0;
+    case Op::cmp:
+        std::printf("%d\n", static_cast<int>(comn_numcmp(&a, &b)));
+        com_conv_free(&context);
+        return 0;
     }
     std::printf("precision %d\nscale %d\nvalue %s\nresult %s\n", result.precision, result.scale,
-                rc == CS_SUCCEED ? format_numeric(result).c_str() : "-", retcode_name(rc).c_str());
+                rc == CS_SUCCEED ? format_numeric(&context, result).c_str() : "-", retcode_name(rc).c_str());
+    com_conv_free(&context);
     return rc == CS_SUCCEED ? 0 : 1;
 }
 
