@@ -85,6 +85,15 @@ char *kShortMonths[12] = {kShortMonthText[0], kShortMonthText[1], kShortMonthTex
 char kAmPmText[2][3] = {"AM", "PM"};
 char *kAmPm[2] = {kAmPmText[0], kAmPmText[1]};
 
+// The two low digits of a field that holds 0 to 99 in a valid record.
+char *two_digits(char *p, int value)
+{
+    const unsigned v = static_cast<unsigned>(value) % 100;
+    p[0] = static_cast<char>('0' + v / 10);
+    p[1] = static_cast<char>('0' + v % 10);
+    return p + 2;
+}
+
 int hour12(int hour) { return hour == 0 ? 12 : (hour > 12 ? hour - 12 : hour); }
 
 // Writes the layout's text for r into out; its length.
@@ -101,16 +110,16 @@ int render(const char *layout, const CS_DATEREC *r, char **months, CS_INT secpre
                 p += com__cpchar(p, months[m], 0, kMonthNameMax);
             break;
         }
-        case 'm': p += com__cpint(p, r->datemonth + 1, 0, -2); break;
-        case 'd': p += com__cpint(p, r->datedmonth, 0, -2); break;
+        case 'm': p = two_digits(p, r->datemonth + 1); break;
+        case 'd': p = two_digits(p, r->datedmonth); break;
         case 'D': p += com__cpint(p, r->datedmonth, 0, 2); break;
         case 'y': p += com__cpint(p, r->dateyear, 0, -2); break;
         case 'Y': p += com__cpint(p, r->dateyear, 0, -4); break;
         case 'B': p += com__cpint(p, r->dateyear, 0, 4); break;
-        case 'H': p += com__cpint(p, r->datehour, 0, -2); break;
+        case 'H': p = two_digits(p, r->datehour); break;
         case 'h': p += com__cpint(p, hour12(r->datehour), 0, 2); break;
-        case 'n': p += com__cpint(p, r->dateminute, 0, -2); break;
-        case 's': p += com__cpint(p, r->datesecond, 0, -2); break;
+        case 'n': p = two_digits(p, r->dateminute); break;
+        case 's': p = two_digits(p, r->datesecond); break;
         case 'f': // rounded, but never carried into the second
             p += com__cpint(p, micro ? (r->datesecfrac + 500) / 1000 : r->datemsecond, 0, -3);
             break;
@@ -147,6 +156,8 @@ int format_with(const LayoutTable &table, CS_DATEREC *r, char *buf, int len, int
     }
     if (months == nullptr && std::strchr(layout, 'M') != nullptr)
         return -2;
+    if (len < 0 || len >= kTextMax) // room for any layout: no staging copy
+        return render(layout, r, months, secprec, buf);
     char text[kTextMax];
     return finish(text, render(layout, r, months, secprec, text), buf, len);
 }
@@ -180,8 +191,12 @@ int com__cpint(char *cp, int value, char padchar, int len)
 
 int com__cpchar(char *cp, char *str, char padchar, int maxlen)
 {
-    const int n = static_cast<int>(strnlen(str, static_cast<size_t>(maxlen)));
-    std::memcpy(cp, str, static_cast<size_t>(n));
+    // Names are a few bytes: a plain loop beats a length scan and a copy.
+    int n = 0;
+    while (n < maxlen && str[n] != '\0') {
+        cp[n] = str[n];
+        n++;
+    }
     if (padchar == 0)
         return n;
     cp[n] = padchar;
