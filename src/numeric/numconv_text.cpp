@@ -25,26 +25,47 @@ public:
         if (++pending_ == 19)
             flush();
     }
+    // Eight digits at once, worth value (below 10^8).
+    void push8(uint32_t value)
+    {
+        if (pending_ > 11)
+            flush();
+        chunk_ = chunk_ * 100000000u + value;
+        pending_ += 8;
+        if (pending_ == 19)
+            flush();
+    }
     void increment()
     {
         flush();
-        for (int i = 0; i < kLimbs; ++i)
+        for (int i = 0; i < kLimbs; ++i) {
+            if (i == used_)
+                ++used_;
             if (++limb_[i] != 0)
                 return;
+        }
+        lost_ = true;
     }
     // Stores the magnitude right-aligned in bytes 1..len-1 of dest; false when
     // it needs more.
     bool store(CS_BYTE *dest, int len)
     {
         flush();
-        const int room = len - 1;
-        for (int k = 0; k < kLimbs * 8; ++k) {
-            const auto byte = static_cast<CS_BYTE>(limb_[k / 8] >> (8 * (k % 8)));
-            if (k < room)
-                dest[len - 1 - k] = byte;
-            else if (byte != 0)
-                return false;
+        if (lost_)
+            return false;
+        // The limbs as one big-endian run; bytes beyond the room must be 0.
+        CS_BYTE be[kLimbs * 8];
+        const int bytes = used_ * 8;
+        for (int i = 0; i < used_; ++i) {
+            const uint64_t w = __builtin_bswap64(limb_[i]);
+            std::memcpy(be + bytes - 8 * (i + 1), &w, 8);
         }
+        const int room = len - 1;
+        const int skip = bytes > room ? bytes - room : 0;
+        for (int k = 0; k < skip; ++k)
+            if (be[k] != 0)
+                return false;
+        std::memcpy(dest + len - (bytes - skip), be + skip, static_cast<size_t>(bytes - skip));
         return true;
     }
 
@@ -74,12 +95,19 @@ private:
     {
         if (pending_ == 0)
             return;
-        unsigned __int128 carry = chunk_;
+        // Only the limbs in use take part; a carry out of them opens the next.
+        uint64_t carry = chunk_;
         const uint64_t mult = kPow10[pending_];
-        for (int i = 0; i < kLimbs; ++i) {
+        for (int i = 0; i < used_; ++i) {
             const unsigned __int128 p = static_cast<unsigned __int128>(limb_[i]) * mult + carry;
             limb_[i] = static_cast<uint64_t>(p);
-            carry = p >> 64;
+            carry = static_cast<uint64_t>(p >> 64);
+        }
+        if (carry != 0) {
+            if (used_ < kLimbs)
+                limb_[used_++] = carry;
+            else
+                lost_ = true;
         }
         chunk_ = 0;
         pending_ = 0;
@@ -87,9 +115,29 @@ private:
     uint64_t limb_[kLimbs]{};
     uint64_t chunk_ = 0;
     int pending_ = 0;
+    int used_ = 0; // limbs below this may be non-zero
+    bool lost_ = false; // a carry ran past the last limb
 };
 
 bool is_digit(unsigned char c) { return c >= '0' && c <= '9'; }
+
+// Eight characters as a little-endian word: true when all are digits, and
+// then their value, the first character most significant.
+bool eight_digits(const unsigned char *p, uint32_t *value)
+{
+    uint64_t v;
+    std::memcpy(&v, p, 8);
+    if (((v & 0xF0F0F0F0F0F0F0F0ULL) | (((v + 0x0606060606060606ULL) & 0xF0F0F0F0F0F0F0F0ULL) >> 4)) !=
+        0x3333333333333333ULL)
+        return false;
+    v -= 0x3030303030303030ULL;
+    v = v * 10 + (v >> 8);
+    v = (((v & 0x000000FF000000FFULL) * (100 + (1000000ULL << 32))) +
+         (((v >> 16) & 0x000000FF000000FFULL) * (1 + (10000ULL << 32)))) >>
+        32;
+    *value = static_cast<uint32_t>(v);
+    return true;
+}
 
 // The exponent behind an "e": an optional sign, then only digits at the
 // second and third positions; from the fourth on, white space starts a tail
@@ -124,6 +172,10 @@ const unsigned char *find_exponent(const unsigned char *p, int len)
         return static_cast<const unsigned char *>(e);
     return static_cast<const unsigned char *>(std::memchr(p, 'E', static_cast<size_t>(len)));
 }
+
+constexpr char kPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                          "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                          "8081828384858687888990919293949596979899";
 
 // The decimal digits of the magnitude, written backward so that they end just
 // before `end`; returns how many.  Zero gives none.
@@ -161,12 +213,23 @@ int magnitude_digits(const CS_BYTE *v, int len, char *end)
             ++first;
         auto chunk = static_cast<uint32_t>(rem);
         if (first < n) {
-            for (int i = 0; i < 9; ++i, chunk /= 10)
-                *--p = static_cast<char>('0' + chunk % 10);
+            // A full chunk: nine digits, leading zeros included.
+            for (int i = 0; i < 4; ++i, chunk /= 100) {
+                p -= 2;
+                std::memcpy(p, kPairs + 2 * (chunk % 100), 2);
+            }
+            *--p = static_cast<char>('0' + chunk);
         } else {
-            do
-                *--p = static_cast<char>('0' + chunk % 10);
-            while ((chunk /= 10) != 0);
+            for (; chunk >= 100; chunk /= 100) {
+                p -= 2;
+                std::memcpy(p, kPairs + 2 * (chunk % 100), 2);
+            }
+            if (chunk >= 10) {
+                p -= 2;
+                std::memcpy(p, kPairs + 2 * chunk, 2);
+            } else {
+                *--p = static_cast<char>('0' + chunk);
+            }
         }
     }
     return static_cast<int>(end - p);
@@ -201,6 +264,7 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
     bool signed_seen = false;
     bool started = false;
     int total = 0, sig = 0, fd = -1, dropped = 0;
+    bool rounded = false;
     DigitAccumulator acc;
     for (int i = 0; i < len; ++i) {
         const unsigned char c = text[i];
@@ -230,6 +294,19 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
                     return kMalformed;
             break;
         }
+        // Past the leading zeros, runs of eight digits that are all stored
+        // go in at once.
+        uint32_t eight;
+        if (sig != 0 && len - i >= 8 && sig + 8 <= capacity && (fd == -1 ? fd < limit : fd + 8 <= limit) &&
+            eight_digits(text + i, &eight)) {
+            total += 8;
+            sig += 8;
+            if (fd != -1)
+                fd += 8;
+            acc.push8(eight);
+            i += 7;
+            continue;
+        }
         if (sig < capacity && fd < limit) {
             ++total;
             if (fd != -1)
@@ -243,6 +320,7 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
             return kLostDigits;
         if (c >= '5' && fd == limit) {
             acc.increment();
+            rounded = true;
             if (sig == 0)
                 sig = 1;
         }
@@ -264,9 +342,11 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
     if (fd == -1)
         fd = 0;
     const int shift = exponent + dropped - fd;
+    int grown = 0; // digits the scaling may add
     if (*scale < kMaxPrec + 1) {
         const int by = *scale + shift;
         if (-by <= total) {
+            grown = by > 0 ? by : 0;
             const int st = com__exctnume_scale(&val, nullptr, by, flag);
             if (st != kOk && st != kLostDigits)
                 return st;
@@ -279,6 +359,7 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
         }
     } else if (shift > 0) {
         *scale = 0;
+        grown = shift;
         const int st = com__exctnume_scale(&val, nullptr, shift, flag);
         if (st != kOk)
             return st;
@@ -297,6 +378,10 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
     if (*precision >= 1 && *precision <= kMaxPrec) {
         set_sign();
         val.prec = *precision;
+        // The value has at most sig digits, one more after a rounding, plus
+        // those the scaling added; only a value that may be too long is tested.
+        if (sig + grown + (rounded ? 1 : 0) <= *precision)
+            return kOk;
         return com__exctnume_checkprecision(&val) ? kOverflow : kOk;
     }
     if (total < 1)
