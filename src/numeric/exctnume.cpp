@@ -3,7 +3,6 @@
 #include "numeric/exctnume.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 
