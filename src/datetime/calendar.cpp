@@ -83,19 +83,9 @@ void split_seconds(uint32_t seconds, CS_DATEREC *pp)
     pp->datesecond = static_cast<CS_INT>(seconds - minutes * 60);
 }
 
-template <class T> CS_INT compare(T a, T b) { return a < b ? -1 : (a > b ? 1 : 0); }
-
-} // namespace
-
-extern "C" {
-
-int leapyear(int year) { return is_leap(int64_t{year} + 1) ? 1 : 0; }
-
-int com__leapcnt(int year) { return static_cast<int>(leap_count(year)); }
-
-void com__datecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
+// Date fields of a day count from 0001-01-01 (dtdays + 693595).
+void crack_days(int64_t days, CS_DATEREC *pp)
 {
-    const int64_t days = int64_t{dtp->dtdays} + kEpochDays; // from 0001-01-01
     if (days < 0) {
         // Before year 1 no leap days are counted: whole years of 365 days.
         const int64_t y = days / 365 - (days % 365 != 0);
@@ -108,7 +98,7 @@ void com__datecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
         pp->datemonth = m;
         pp->datedmonth = static_cast<CS_INT>(doy - months[m].daysum + 1);
         pp->datedyear = static_cast<CS_INT>(doy + 1);
-        pp->datedweek = weekday(dtp->dtdays);
+        pp->datedweek = weekday(days - kEpochDays);
         return;
     }
     // Counted from 0000-03-01 the leap day ends each year.  Centuries, years
@@ -132,6 +122,43 @@ void com__datecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
     pp->datedweek = static_cast<CS_INT>((static_cast<uint32_t>(days) + 1) % 7);
 }
 
+// Microseconds of midnight of the date, written only on success.
+int make_big_date(const CS_DATEREC *pp, uint64_t *out)
+{
+    int64_t days = 0;
+    const int status = make_days(pp, &days);
+    if (status == 0)
+        *out = static_cast<uint64_t>(days - 1) * kMicrosPerDay + kBigMin;
+    return status;
+}
+
+// Microseconds since midnight, written only on success.
+int make_big_time(const CS_DATEREC *pp, uint64_t *out)
+{
+    int64_t seconds = 0;
+    const int status = make_seconds(pp, 23, &seconds);
+    if (status != 0)
+        return status;
+    const int64_t frac = pp->datesecprec == 1000000 ? int64_t{pp->datesecfrac}
+                                                    : int64_t{pp->datemsecond} * 1000;
+    if (frac < 0 || frac > 999999)
+        return 7;
+    *out = static_cast<uint64_t>(seconds * kMicrosPerSecond + frac);
+    return 0;
+}
+
+template <class T> CS_INT compare(T a, T b) { return a < b ? -1 : (a > b ? 1 : 0); }
+
+} // namespace
+
+extern "C" {
+
+int leapyear(int year) { return is_leap(int64_t{year} + 1) ? 1 : 0; }
+
+int com__leapcnt(int year) { return static_cast<int>(leap_count(year)); }
+
+void com__datecrack(CS_DATETIME *dtp, CS_DATEREC *pp) { crack_days(int64_t{dtp->dtdays} + kEpochDays, pp); }
+
 void com__timecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
 {
     const auto ticks = static_cast<uint32_t>(dtp->dttime) & 0x1ffffff;
@@ -142,11 +169,7 @@ void com__timecrack(CS_DATETIME *dtp, CS_DATEREC *pp)
     pp->datesecfrac = 0;
 }
 
-void com__bigdatecrack(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
-{
-    CS_DATETIME dt{big_days(*bdt), 0};
-    com__datecrack(&dt, pp);
-}
+void com__bigdatecrack(CS_BIGDATETIME *bdt, CS_DATEREC *pp) { crack_days(int64_t{big_days(*bdt)} + kEpochDays, pp); }
 
 void com__bigtimecrack(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
 {
@@ -182,28 +205,9 @@ int com__timemake(CS_DATETIME *dtp, CS_DATEREC *pp)
     return status;
 }
 
-int com__bigdatemake(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
-{
-    int64_t days = 0;
-    const int status = make_days(pp, &days);
-    if (status == 0)
-        *bdt = static_cast<uint64_t>(days - 1) * kMicrosPerDay + kBigMin;
-    return status;
-}
+int com__bigdatemake(CS_BIGDATETIME *bdt, CS_DATEREC *pp) { return make_big_date(pp, bdt); }
 
-int com__bigtimemake(CS_BIGTIME *bt, CS_DATEREC *pp)
-{
-    int64_t seconds = 0;
-    const int status = make_seconds(pp, 23, &seconds);
-    if (status != 0)
-        return status;
-    const int64_t frac = pp->datesecprec == 1000000 ? int64_t{pp->datesecfrac}
-                                                    : int64_t{pp->datemsecond} * 1000;
-    if (frac < 0 || frac > 999999)
-        return 7;
-    *bt = static_cast<uint64_t>(seconds * kMicrosPerSecond + frac);
-    return 0;
-}
+int com__bigtimemake(CS_BIGTIME *bt, CS_DATEREC *pp) { return make_big_time(pp, bt); }
 
 int com__datecmp(CS_DATETIME *date1, CS_DATETIME *date2)
 {
@@ -304,11 +308,10 @@ CS_INT com_bigdatetimemake(CS_BIGDATETIME *bdt, CS_DATEREC *pp)
 {
     KES_NOT_NULL(bdt);
     KES_NOT_NULL(pp);
-    CS_BIGDATETIME date;
-    CS_BIGTIME time;
-    int status = com__bigdatemake(&date, pp);
+    uint64_t date, time;
+    int status = make_big_date(pp, &date);
     if (status == 0)
-        status = com__bigtimemake(&time, pp);
+        status = make_big_time(pp, &time);
     if (status == 0)
         *bdt = date + time;
     return status;
