@@ -392,6 +392,22 @@ TEST(ExctnumeIntDiv, AddBackCases)
     }
 }
 
+// The record operations divide on 32-bit digits with the same algorithm; a
+// dividend and divisor on which that width needs the add-back step too.
+TEST(ExctnumeDiv, AddBackOnThirtyTwoBitDigits)
+{
+    uint32_t u[5] = {0, 0x7fff, 0x8000, 0, 0};
+    const uint32_t v[3] = {0x8000, 0, 1};
+    EXPECT_EQ(kes::numeric::limbs::knuth_d(u, 4, v, 3), 1);
+    EXPECT_EQ(u[1], 0xfffe0000u);
+
+    Val a("00" "7fff000080000000000000000000", 77, 0), b("00" "80000000000000000001", 77, 0);
+    Val q = Val::zeros(33, 77, 0), rem = Val::zeros(12);
+    ASSERT_EQ(com__exctnume_div(&a.c, &b.c, &q.c, &rem.c), 0);
+    EXPECT_EQ(hex(q.c.value + 29, 4), "fffe0000");
+    EXPECT_EQ(rem.str(), "007fffffffffff00020000");
+}
+
 TEST(ExctnumeDiv, WorkAreaShiftAndRemainder)
 {
     // A 33-byte dividend shifted by 70 places: 33 + 31 + 1 bytes for the
