@@ -40,7 +40,6 @@ void PoolLock::release_as(MM_HANDLE *handle)
 namespace {
 
 constexpr CS_INT kMinContextVersion = 114;
-constexpr CS_UINT kMinManagedBuffer = 200;
 constexpr size_t kHandleOffset = sizeof(MmPoolHead);
 constexpr CS_INT kDefaultBlock = 4096;
 // One default block with its piece header and a heap header.
@@ -277,8 +276,9 @@ CS_RETCODE comn_mmmanage(CS_VOID *buffer, CS_UINT buflen, MM_HANDLE **mmh)
     if (*mmh) {
         handle = lay_records(*mmh, MM_ST_CALLERMEM);
     } else {
-        // Below the records' own size nothing could ever be allocated.
-        if (buflen < kMinManagedBuffer || buflen < MM_OVERHEAD)
+        // The records take MM_OVERHEAD bytes; a smaller buffer, however
+        // close, could never hold a region.
+        if (buflen < MM_OVERHEAD)
             return KES_TRACE(CS_FAIL);
         handle = lay_records(buffer, MM_ST_CTXMEM);
         region += MM_OVERHEAD;
