@@ -212,23 +212,28 @@ int number_kind(int digits)
 
 struct Tokens {
     struct com__datecrack dc[DC_MAXTOKENS];
+    int count = 0;        // tokens before the end token
+    int unused = 0;       // of those, not yet taken
     unsigned present = 0; // a bit per kind read; taking a token never adds one
 
-    int kind(int i) const { return i >= 0 && i < DC_MAXTOKENS ? dc[i].dctoken : DC_END; }
+    int kind(int i) const { return i >= 0 && i < count ? dc[i].dctoken : DC_END; }
     bool is(int i, int k) const { return kind(i) == k; }
     bool is_point(int i) const { return is(i, DC_SEPARATOR) && dc[i].dcvalue == -1; }
-    // findtoken, skipping kinds that were never read.
+    // findtoken, skipping kinds that were never read and, for "any token
+    // left", a search once everything is taken.
     int find(int token) const
     {
-        if (token >= 0 && !(present & (1u << token)))
+        if (token >= 0 ? !(present & (1u << token)) : (token == -DC_USED && unused == 0))
             return -1;
-        for (int i = 0; i < DC_MAXTOKENS && dc[i].dctoken != DC_END; i++)
+        for (int i = 0; i < count; i++)
             if (token >= 0 ? dc[i].dctoken == token : dc[i].dctoken != -token)
                 return i;
         return -1;
     }
     CS_INT take(int i)
     {
+        if (dc[i].dctoken != DC_USED)
+            unused--;
         dc[i].dctoken = DC_USED;
         return dc[i].dcvalue;
     }
@@ -561,6 +566,7 @@ int xdaterecfromchar(CS_DATEREC *parts, char *origcp, int origlen, int partonly,
             break;
         if (i == DC_MAXTOKENS - 1)
             return kSyntax; // a 21st token that is not the end
+        t.count = t.unused = i + 1;
     }
 
     parts->datehour = parts->dateminute = parts->datesecond = parts->datemsecond = 0;
