@@ -126,6 +126,54 @@ KES_COMN_CONV(comn_varchartomny4);
 KES_COMNB_CONV(comnb_chartomoney);
 KES_COMNB_CONV(comnb_chartomny4);
 
+/* ---- legacy entries on raw buffers ------------------------------------------
+** (src, srclen, dest, destlen[, precision, scale]).  A null src or a srclen
+** of 0 returns 0.  Success returns the destination's length (35 for a
+** numeric); failures are -1 overflow, -2 underflow, -3 syntax, -6 domain,
+** -7 precision, -8 scale. */
+#define KES_LEGACY_FROM_NUM(d) KES_API CS_INT com_numto##d(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+#define KES_LEGACY_TO_NUM(s)                                                                     \
+    KES_API CS_INT com_##s##tonum(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen, CS_INT precision, \
+                                  CS_INT scale)
+KES_LEGACY_FROM_NUM(bit);
+KES_LEGACY_FROM_NUM(i1);
+KES_LEGACY_FROM_NUM(i2);
+KES_LEGACY_FROM_NUM(i4);
+KES_LEGACY_FROM_NUM(flt4);
+KES_LEGACY_FROM_NUM(flt8);
+KES_LEGACY_FROM_NUM(mny4);
+KES_LEGACY_FROM_NUM(money);
+KES_LEGACY_TO_NUM(num);
+KES_LEGACY_TO_NUM(bit);
+KES_LEGACY_TO_NUM(i1);
+KES_LEGACY_TO_NUM(i2);
+KES_LEGACY_TO_NUM(i4);
+KES_LEGACY_TO_NUM(flt4);
+KES_LEGACY_TO_NUM(flt8);
+KES_LEGACY_TO_NUM(mny4);
+KES_LEGACY_TO_NUM(money);
+/* Raw bytes as the 33-byte digit array, unchecked: precision and scale are
+   stored, the smaller of srclen and 33 bytes copied, the rest cleared; 35.
+   The vary form takes its length from a 2-byte prefix (0 returns 0). */
+KES_LEGACY_TO_NUM(bin);
+KES_LEGACY_TO_NUM(varybin);
+#undef KES_LEGACY_TO_NUM
+#undef KES_LEGACY_FROM_NUM
+/* Text to numeric, strict, normalised through chatr when given: 35, -1 for
+   an overflow or lost digits, -3 for bad text or text of 1024 bytes or more;
+   precision outside 1..77 is CS_EPRECISION and scale outside 0..77
+   CS_ESCALE, untranslated.  The vary form skips a 2-byte length (0 returns
+   0) but reads srclen bytes behind it. */
+KES_API CS_INT com_mb_chartonum(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen, CS_INT precision,
+                                CS_INT scale, CS_ATTRIB *chatr);
+KES_API CS_INT com_mb_varychartonum(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen, CS_INT precision,
+                                    CS_INT scale, CS_ATTRIB *chatr);
+/* A numeric null: with a value and len it is com_numtonum, otherwise the
+   precision, scale and 33 zero bytes (35).  -7 / -8 for a bad precision or
+   scale. */
+KES_API CS_INT com_setnumnull(CS_BYTE *dest, CS_INT destlen, CS_BYTE *value, CS_INT len, CS_INT precision,
+                              CS_INT scale);
+
 KES_END_DECLS
 
 #endif /* KESCOMN_NUMCONV_H */

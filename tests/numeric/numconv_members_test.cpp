@@ -181,8 +181,9 @@ TEST(NumToScalar, BitFloatsAndMoney)
             CS_DATAFMT df = fmt(CS_MONEY_TYPE, 8);
             CS_MONEY out{};
             EXPECT_EQ(code_name(comn_numtomoney(ctx.get(), &sf, &n, &df, &out, &len)), code_name(m.rc)) << m.v;
-            if (m.rc == CS_SUCCEED)
+            if (m.rc == CS_SUCCEED) {
                 EXPECT_EQ((static_cast<long long>(out.mnyhigh) << 32) | out.mnylow, m.units) << m.v;
+            }
         }
         CS_NUMERIC n = parse(ctx, "214748.36475", 11, 5);
         CS_DATAFMT df = fmt(CS_MONEY4_TYPE, 4);
