@@ -1,10 +1,13 @@
 // Text to floats on random text.  Input: byte 0 picks the character set of
 // the server-layer pass; the rest is the text.  Checks: a code of the float
-// set, the length fields, agreement of the two layers on byte text, no
-// infinity ever stored, and a CS_REAL never beyond its largest value.
+// set, the length fields, agreement of the two layers on byte text, strtod's
+// value for accepted text, no infinity ever stored, and a CS_REAL never
+// beyond its largest value.
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "kescomn.h"
@@ -61,6 +64,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     check(dest8.len == 8);
     if (attr == nullptr)
         check(rc8 == rcb8 && same_bits(&d, &db, 8));
+    // Whatever reader the library chose, an accepted text has strtod's value.
+    if (rc8 == CS_SUCCEED) {
+        std::string copy(text.begin(), text.end());
+        const double expected = std::strtod(copy.c_str(), nullptr);
+        check(same_bits(&d, &expected, 8) || (std::isnan(d) && std::isnan(expected)));
+    }
 
     float f = 0, fb = 0;
     const CS_RETCODE rc4 = comn_chartoflt4(&context, &srcfmt, text.data(), &f4, &f, &destlen);
