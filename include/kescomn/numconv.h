@@ -13,14 +13,6 @@
 
 KES_BEGIN_DECLS
 
-/* Decimal text to 64-bit integers, stopping at the first non-digit.
-   kesatoll: "-" then an optional "+" (which makes the sign positive again);
-   no digit is EINVAL and 0, overflow ERANGE and the limit of the sign.
-   kesatoull: a leading "-" is ERANGE and 0, "+" is skipped, no digit EINVAL
-   and 0, overflow ERANGE and all ones.  errno is left alone on success. */
-KES_API CS_BIGINT kesatoll(char *str);
-KES_API CS_UBIGINT kesatoull(char *str);
-
 /* ---- numeric to every type ---------------------------------------------------
 ** Integers, bit and floats go through the double of the value's decimal text
 ** (i8 and ui8 through the text itself).  Out of range the destination gets

@@ -21,6 +21,14 @@ inline constexpr int kNumScratch = 1024;
 
 extern "C" {
 
+/* Decimal text to 64-bit integers, stopping at the first non-digit.
+   kesatoll: "-" then an optional "+" (which makes the sign positive again);
+   no digit is EINVAL and 0, overflow ERANGE and the limit of the sign.
+   kesatoull: a leading "-" is ERANGE and 0, "+" is skipped, no digit EINVAL
+   and 0, overflow ERANGE and all ones.  errno is left alone on success. */
+CS_BIGINT kesatoll(char *str);
+CS_UBIGINT kesatoull(char *str);
+
 /* Decimal text (len bytes at cp, followed somewhere by a NUL that ends an
    exponent) into the *destlen bytes at *dest (0 means 33), at *scale decimals
    (78 or more: the text's own) and *precision digits (0 or above 77: the
