@@ -2,6 +2,7 @@
 // reinterpreted as scalars, copied to binary, written as hexadecimal text.
 // A CS_BINARY source reports a cut as CS_TRUNCATED, a CS_VARBINARY source as
 // CS_EOVERFLOW; the generic bodies take that from the source token.
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -200,13 +201,13 @@ CS_RETCODE to_char(CS_CONTEXT *, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *d
     check_args<S>(srcfmt, src, destfmt, dest, destlen);
     KES_ASSERT(is_char_family(destfmt->datatype));
     const SourceBytes b = S::bytes(srcfmt, src);
-    const CS_INT m = 2 * b.len;
-    *destlen = m < destfmt->maxlength ? m : destfmt->maxlength;
+    const int64_t m = 2 * int64_t{b.len}; // a source above 1 GiB has more digits than a CS_INT counts
+    *destlen = m < destfmt->maxlength ? static_cast<CS_INT>(m) : destfmt->maxlength;
     if (*destlen > 0)
         kes::conv::hex::write_lower(b.p, static_cast<size_t>(*destlen / 2), static_cast<char *>(dest));
     if (*destlen < m)
         return KES_TRACE(S::cut);
-    return comn__padchar(m, destfmt, dest, destlen);
+    return comn__padchar(static_cast<CS_INT>(m), destfmt, dest, destlen);
 }
 
 template <class S>
@@ -217,8 +218,8 @@ CS_RETCODE to_varchar(CS_CONTEXT *, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT
     KES_ASSERT(destfmt->datatype == CS_VARCHAR_TYPE);
     const SourceBytes b = S::bytes(srcfmt, src);
     auto *vc = static_cast<CS_VARCHAR *>(dest);
-    const CS_INT m = 2 * b.len;
-    const CS_INT len = m < CS_MAX_CHAR ? m : CS_MAX_CHAR;
+    const int64_t m = 2 * int64_t{b.len};
+    const CS_INT len = m < CS_MAX_CHAR ? static_cast<CS_INT>(m) : CS_MAX_CHAR;
     kes::conv::hex::write_lower(b.p, static_cast<size_t>(len / 2), vc->str);
     vc->len = static_cast<CS_SMALLINT>(len);
     *destlen = sizeof(CS_VARCHAR);
