@@ -221,14 +221,11 @@ struct Tokens {
     bool is_point(int i) const { return is(i, DC_SEPARATOR) && dc[i].dcvalue == -1; }
     // findtoken, skipping kinds that were never read and, for "any token
     // left", a search once everything is taken.
-    int find(int token) const
+    int find(int token)
     {
         if (token >= 0 ? !(present & (1u << token)) : (token == -DC_USED && unused == 0))
             return -1;
-        for (int i = 0; i < count; i++)
-            if (token >= 0 ? dc[i].dctoken == token : dc[i].dctoken != -token)
-                return i;
-        return -1;
+        return findtoken(dc, token);
     }
     CS_INT take(int i)
     {
