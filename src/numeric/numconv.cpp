@@ -280,6 +280,8 @@ CS_RETCODE comn_numto(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_
     } else {
         if constexpr (std::is_same_v<D, to_varchar>)
             *destlen = sizeof(CS_VARCHAR);
+        else if constexpr (!std::is_same_v<D, to_char>)
+            *destlen = comn_typelen(destfmt->datatype, 0); // before any check
         __CONSTANT c;
         if (!record_value(num, &c))
             return KES_TRACE(CS_EDOMAIN);

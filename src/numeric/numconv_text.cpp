@@ -166,6 +166,8 @@ bool read_exponent(const unsigned char *p, int32_t *exponent)
     return true;
 }
 
+int clamp_shift(int64_t v) { return static_cast<int>(v < -1000 ? -1000 : v > 1000 ? 1000 : v); }
+
 const unsigned char *find_exponent(const unsigned char *p, int len)
 {
     if (const void *e = std::memchr(p, 'e', static_cast<size_t>(len)))
@@ -341,10 +343,13 @@ int com__subchartoexctnume(char *cp, int len, CS_BYTE **dest, CS_INT *destlen, C
 
     if (fd == -1)
         fd = 0;
-    const int shift = exponent + dropped - fd;
+    // A wrapped exponent can be near either end of 32 bits: shifts are summed
+    // in 64 bits and anything far past 77 places is cut to a size the
+    // kernel still refuses.
+    const int shift = clamp_shift(int64_t{exponent} + dropped - fd);
     int grown = 0; // digits the scaling may add
     if (*scale < kMaxPrec + 1) {
-        const int by = *scale + shift;
+        const int by = clamp_shift(int64_t{*scale} + shift);
         if (-by <= total) {
             grown = by > 0 ? by : 0;
             const int st = com__exctnume_scale(&val, nullptr, by, flag);
