@@ -119,9 +119,14 @@ template <class T, class Text> int scan_text(Text t, T *valp)
     return COM_SCAN_VALUE;
 }
 
+template <class T> [[gnu::noinline]] int scan_multibyte(const unsigned char *p, int len, T *valp, const CHAR_ATTRIB *chatr)
+{
+    return scan_text(MbText{p, p + len, chatr}, valp);
+}
+
 // The plain byte body serves single-byte sets so that ordinary text never
-// touches a map.
-template <class T> int scan_int(char *cp, int len, T *valp, const CHAR_ATTRIB *chatr)
+// touches a map; it is small enough to inline into the members.
+template <class T> inline int scan_int(char *cp, int len, T *valp, const CHAR_ATTRIB *chatr)
 {
     if (len <= 0) {
         *valp = 0;
@@ -129,7 +134,7 @@ template <class T> int scan_int(char *cp, int len, T *valp, const CHAR_ATTRIB *c
     }
     const auto *p = reinterpret_cast<const unsigned char *>(cp);
     if (kes::conv::is_multibyte(chatr))
-        return scan_text(MbText{p, p + len, chatr}, valp);
+        return scan_multibyte(p, len, valp, chatr);
     return scan_text(ByteText{p, p + len}, valp);
 }
 
