@@ -8,64 +8,15 @@
 #include <cstring>
 #include <type_traits>
 
+#include "conv/conv_common.h"
 #include "conv/fill.h"
 #include "conv/scalar_io.h"
-#include "errors/assert.h"
 #include "kescomn/conv_float.h"
 #include "numeric/mny.h"
 
 namespace {
 
-using kes::conv::load;
-using kes::conv::store;
-
-// ---- type tokens -----------------------------------------------------------
-template <class T, int Code> struct Token {
-    using type = T;
-    static constexpr int code = Code;
-};
-struct tok_flt4 : Token<CS_REAL, CS_REAL_TYPE> {};
-struct tok_flt8 : Token<CS_FLOAT, CS_FLOAT_TYPE> {};
-struct tok_i1 : Token<CS_TINYINT, CS_TINYINT_TYPE> {};
-struct tok_i2 : Token<CS_SMALLINT, CS_SMALLINT_TYPE> {};
-struct tok_i4 : Token<CS_INT, CS_INT_TYPE> {};
-struct tok_i8 : Token<CS_BIGINT, CS_BIGINT_TYPE> {};
-struct tok_ui2 : Token<CS_USMALLINT, CS_USMALLINT_TYPE> {};
-struct tok_ui4 : Token<CS_UINT, CS_UINT_TYPE> {};
-struct tok_ui8 : Token<CS_UBIGINT, CS_UBIGINT_TYPE> {};
-struct tok_bit : Token<CS_BIT, CS_BIT_TYPE> {};
-struct tok_money : Token<CS_MONEY, CS_MONEY_TYPE> {};
-struct tok_mny4 : Token<CS_MONEY4, CS_MONEY4_TYPE> {};
-struct tok_char {};
-struct tok_varchar {};
-struct tok_bin {};
-struct tok_varbin {};
-
-enum class Layer { comn, comnb };
-
-template <class D> constexpr bool is_float_token = std::is_same_v<D, tok_flt4> || std::is_same_v<D, tok_flt8>;
-template <class D> constexpr bool is_int_token =
-    std::is_same_v<D, tok_i1> || std::is_same_v<D, tok_i2> || std::is_same_v<D, tok_i4> ||
-    std::is_same_v<D, tok_i8> || std::is_same_v<D, tok_ui2> || std::is_same_v<D, tok_ui4> ||
-    std::is_same_v<D, tok_ui8>;
-
-template <class D> constexpr bool is_money_token = std::is_same_v<D, tok_money> || std::is_same_v<D, tok_mny4>;
-
-template <class D> constexpr bool admits_dest(CS_INT code)
-{
-    if constexpr (std::is_same_v<D, tok_i8>)
-        return code == CS_BIGINT_TYPE || code == CS_LONG_TYPE;
-    else if constexpr (std::is_same_v<D, tok_char>)
-        return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE;
-    else if constexpr (std::is_same_v<D, tok_bin>)
-        return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
-    else if constexpr (std::is_same_v<D, tok_varchar>)
-        return code == CS_VARCHAR_TYPE;
-    else if constexpr (std::is_same_v<D, tok_varbin>)
-        return code == CS_VARBINARY_TYPE;
-    else
-        return code == D::code;
-}
+using namespace kes::conv;
 
 // ---- float to integer --------------------------------------------------------
 
@@ -137,8 +88,6 @@ template <class D> typename D::type truncate(double v)
     }
 }
 
-template <class D> constexpr bool is_unsigned_wide =
-    std::is_same_v<D, tok_ui2> || std::is_same_v<D, tok_ui4> || std::is_same_v<D, tok_ui8>;
 
 // Stores the float source v into the integer destination; the code says
 // whether a bound was hit.
@@ -238,39 +187,13 @@ FloatText format_float(double v)
     return t;
 }
 
-bool text_has_room(CS_INT maxlength, CS_INT n, CS_INT format)
-{
-    return maxlength >= n && !((format & CS_FMT_NULLTERM) && maxlength == n);
-}
-
-CS_RETCODE comn_text_out(const FloatText &t, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen)
-{
-    const CS_INT maxlength = destfmt->maxlength;
-    *destlen = t.len < maxlength ? t.len : maxlength;
-    if (text_has_room(maxlength, t.len, destfmt->format)) {
-        std::memcpy(dest, t.buf, static_cast<size_t>(t.len));
-        return comn__padchar(t.len, destfmt, dest, destlen);
-    }
-    if (maxlength > 1) {
-        std::memcpy(dest, "*", 2);
-        *destlen = 1;
-        (void)comn__padchar(1, destfmt, dest, destlen);
-    }
-    return KES_TRACE(CS_EOVERFLOW);
-}
-
 // ---- the generic members -------------------------------------------------------
 
 template <class S, class D>
 CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                         CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(srcfmt->datatype == S::code);
     KES_ASSERT(admits_dest<D>(destfmt->datatype));
 
@@ -292,7 +215,10 @@ CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, C
         return float_to_money<S, D>(v, dest) < 0 ? KES_TRACE(CS_EOVERFLOW) : CS_SUCCEED;
     } else if constexpr (std::is_same_v<D, tok_char>) {
         KES_ASSERT(destfmt->maxlength >= 0);
-        return comn_text_out(format_float(v), destfmt, dest, destlen);
+        {
+            const FloatText t = format_float(v);
+            return comn_number_text_out(t.buf, t.len, destfmt, dest, destlen);
+        }
     } else if constexpr (std::is_same_v<D, tok_varchar>) {
         const FloatText t = format_float(v);
         auto *vc = static_cast<CS_VARCHAR *>(dest);
@@ -362,17 +288,8 @@ template <class S, class D> CS_RETCODE comnb_convert(CAST_CONTEXT *context, __CO
     X(s, flt8) X(s, money) X(s, mny4) X(s, char) X(s, varchar)
 #define KES_COMN_DESTS(X, s) KES_COMNB_DESTS(X, s) X(s, bin) X(s, varbin)
 
-#define KES_DEFINE_COMN(s, d)                                                                \
-    extern "C" CS_RETCODE comn_##s##to##d(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, \
-                                          CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen) \
-    {                                                                                        \
-        return comn_convert<tok_##s, tok_##d>(context, srcfmt, src, destfmt, dest, destlen); \
-    }
-#define KES_DEFINE_COMNB(s, d)                                                               \
-    extern "C" CS_RETCODE comnb_##s##to##d(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest) \
-    {                                                                                        \
-        return comnb_convert<tok_##s, tok_##d>(context, src, dest);                          \
-    }
-#define KES_DEFINE_ROW(s) KES_COMN_DESTS(KES_DEFINE_COMN, s) KES_COMNB_DESTS(KES_DEFINE_COMNB, s)
+#define KES_DEFINE_FLOAT_COMN(s, d) KES_DEFINE_COMN(comn_convert, s, d)
+#define KES_DEFINE_FLOAT_COMNB(s, d) KES_DEFINE_COMNB(comnb_convert, s, d)
+#define KES_DEFINE_ROW(s) KES_COMN_DESTS(KES_DEFINE_FLOAT_COMN, s) KES_COMNB_DESTS(KES_DEFINE_FLOAT_COMNB, s)
 
 KES_FLOAT_SOURCES(KES_DEFINE_ROW)

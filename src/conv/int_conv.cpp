@@ -7,52 +7,14 @@
 #include <type_traits>
 #include <utility>
 
+#include "conv/conv_common.h"
 #include "conv/fill.h"
 #include "conv/scalar_io.h"
-#include "errors/assert.h"
 #include "kescomn/conv_int.h"
 
 namespace {
 
-using kes::conv::load;
-using kes::conv::store;
-
-// ---- type tokens: the name fragments of the members ----------------------
-template <class T, int Code> struct IntToken {
-    using type = T;
-    static constexpr int code = Code;
-    static constexpr bool integer = true;
-};
-struct tok_i1 : IntToken<CS_TINYINT, CS_TINYINT_TYPE> {};
-struct tok_i2 : IntToken<CS_SMALLINT, CS_SMALLINT_TYPE> {};
-struct tok_i4 : IntToken<CS_INT, CS_INT_TYPE> {};
-struct tok_i8 : IntToken<CS_BIGINT, CS_BIGINT_TYPE> {};
-struct tok_ui2 : IntToken<CS_USMALLINT, CS_USMALLINT_TYPE> {};
-struct tok_ui4 : IntToken<CS_UINT, CS_UINT_TYPE> {};
-struct tok_ui8 : IntToken<CS_UBIGINT, CS_UBIGINT_TYPE> {};
-struct tok_bit {
-    using type = CS_BIT;
-    static constexpr int code = CS_BIT_TYPE;
-};
-struct tok_flt4 {
-    using type = CS_REAL;
-    static constexpr int code = CS_REAL_TYPE;
-};
-struct tok_flt8 {
-    using type = CS_FLOAT;
-    static constexpr int code = CS_FLOAT_TYPE;
-};
-struct tok_char {};
-struct tok_varchar {};
-struct tok_bin {};
-struct tok_varbin {};
-
-template <class T> constexpr bool is_int_token = requires { requires T::integer; };
-
-template <class T> constexpr bool is_unsigned_wide =
-    std::is_same_v<T, tok_ui2> || std::is_same_v<T, tok_ui4> || std::is_same_v<T, tok_ui8>;
-
-enum class Layer { comn, comnb };
+using namespace kes::conv;
 
 // ---- type assertions of the comn_ layer ----------------------------------
 
@@ -66,22 +28,6 @@ template <class S, class D> constexpr bool admits_source(CS_INT code)
         return code == CS_LONG_TYPE &&
                (std::is_same_v<D, tok_i4> || std::is_same_v<D, tok_i8> || is_unsigned_wide<D>);
     return false;
-}
-
-template <class D> constexpr bool admits_dest(CS_INT code)
-{
-    if constexpr (std::is_same_v<D, tok_i8>)
-        return code == CS_BIGINT_TYPE || code == CS_LONG_TYPE;
-    else if constexpr (std::is_same_v<D, tok_char>)
-        return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE;
-    else if constexpr (std::is_same_v<D, tok_bin>)
-        return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
-    else if constexpr (std::is_same_v<D, tok_varchar>)
-        return code == CS_VARCHAR_TYPE;
-    else if constexpr (std::is_same_v<D, tok_varbin>)
-        return code == CS_VARBINARY_TYPE;
-    else
-        return code == D::code;
 }
 
 // ---- integer narrowing -----------------------------------------------------
@@ -188,52 +134,13 @@ template <class T> DecimalText format_decimal(T v)
     return t;
 }
 
-bool text_has_room(CS_INT maxlength, CS_INT n, CS_INT format)
-{
-    return maxlength >= n && !((format & CS_FMT_NULLTERM) && maxlength == n);
-}
-
-// A number as text into a comn_ character destination: the value whole, or
-// "*" when it does not fit.
-CS_RETCODE comn_text_out(const char *text, CS_INT n, CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen)
-{
-    const CS_INT maxlength = destfmt->maxlength;
-    *destlen = n < maxlength ? n : maxlength;
-    if (text_has_room(maxlength, n, destfmt->format)) {
-        std::memcpy(dest, text, static_cast<size_t>(n));
-        return comn__padchar(n, destfmt, dest, destlen);
-    }
-    if (maxlength > 1) {
-        std::memcpy(dest, "*", 2);
-        *destlen = 1;
-        (void)comn__padchar(1, destfmt, dest, destlen);
-    }
-    return KES_TRACE(CS_EOVERFLOW);
-}
-
-// The server layer writes nothing when the text does not fit.
-CS_RETCODE comnb_text_out(CAST_CONTEXT *context, const char *text, CS_INT n, __CONSTANT *dest)
-{
-    dest->len = n < dest->maxlen ? n : dest->maxlen;
-    if (!text_has_room(dest->maxlen, n, context->format))
-        return KES_TRACE(CS_EOVERFLOW);
-    std::memcpy(dest->value, text, static_cast<size_t>(n));
-    dest->len = n;
-    return comnb__padchar(context, dest);
-}
-
 // ---- the generic members -------------------------------------------------
 
 template <class S, class D>
 CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                         CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT((admits_source<S, D>(srcfmt->datatype)));
     KES_ASSERT(admits_dest<D>(destfmt->datatype));
 
@@ -292,7 +199,7 @@ CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, C
             return comn__padchar(*destlen, destfmt, dest, destlen);
         }
         const DecimalText t = format_decimal(v);
-        return comn_text_out(t.buf, t.len, destfmt, dest, destlen);
+        return comn_number_text_out(t.buf, t.len, destfmt, dest, destlen);
     } else if constexpr (std::is_same_v<D, tok_varchar>) {
         const DecimalText t = format_decimal(v);
         auto *vc = static_cast<CS_VARCHAR *>(dest);
@@ -354,7 +261,7 @@ template <class S, class D> CS_RETCODE comnb_convert(CAST_CONTEXT *context, __CO
         }
     } else if constexpr (std::is_same_v<D, tok_char>) {
         const DecimalText t = format_decimal(v);
-        return comnb_text_out(context, t.buf, t.len, dest);
+        return comnb_number_text_out(context, t.buf, t.len, dest);
     } else {
         static_assert(std::is_same_v<D, tok_varchar>);
         const DecimalText t = format_decimal(v);
@@ -377,17 +284,8 @@ template <class S, class D> CS_RETCODE comnb_convert(CAST_CONTEXT *context, __CO
     X(s, flt8) X(s, char) X(s, varchar)
 #define KES_COMN_DESTS(X, s) KES_COMNB_DESTS(X, s) X(s, bin) X(s, varbin)
 
-#define KES_DEFINE_COMN(s, d)                                                                \
-    extern "C" CS_RETCODE comn_##s##to##d(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, \
-                                          CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen) \
-    {                                                                                        \
-        return comn_convert<tok_##s, tok_##d>(context, srcfmt, src, destfmt, dest, destlen); \
-    }
-#define KES_DEFINE_COMNB(s, d)                                                               \
-    extern "C" CS_RETCODE comnb_##s##to##d(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest) \
-    {                                                                                        \
-        return comnb_convert<tok_##s, tok_##d>(context, src, dest);                          \
-    }
-#define KES_DEFINE_ROW(s) KES_COMN_DESTS(KES_DEFINE_COMN, s) KES_COMNB_DESTS(KES_DEFINE_COMNB, s)
+#define KES_DEFINE_INT_COMN(s, d) KES_DEFINE_COMN(comn_convert, s, d)
+#define KES_DEFINE_INT_COMNB(s, d) KES_DEFINE_COMNB(comnb_convert, s, d)
+#define KES_DEFINE_ROW(s) KES_COMN_DESTS(KES_DEFINE_INT_COMN, s) KES_COMNB_DESTS(KES_DEFINE_INT_COMNB, s)
 
 KES_INT_SOURCES(KES_DEFINE_ROW)

@@ -2,29 +2,14 @@
 // their server-layer twins, which alone also serve a bit source.
 #include <type_traits>
 
+#include "conv/conv_common.h"
 #include "conv/scalar_io.h"
-#include "errors/assert.h"
 #include "kescomn/money.h"
 #include "numeric/mny.h"
 
 namespace {
 
-using kes::conv::load;
-
-template <class T, int Code> struct Token {
-    using type = T;
-    static constexpr int code = Code;
-};
-struct tok_i1 : Token<CS_TINYINT, CS_TINYINT_TYPE> {};
-struct tok_i2 : Token<CS_SMALLINT, CS_SMALLINT_TYPE> {};
-struct tok_i4 : Token<CS_INT, CS_INT_TYPE> {};
-struct tok_i8 : Token<CS_BIGINT, CS_BIGINT_TYPE> {};
-struct tok_ui2 : Token<CS_USMALLINT, CS_USMALLINT_TYPE> {};
-struct tok_ui4 : Token<CS_UINT, CS_UINT_TYPE> {};
-struct tok_ui8 : Token<CS_UBIGINT, CS_UBIGINT_TYPE> {};
-struct tok_bit : Token<CS_BIT, CS_BIT_TYPE> {};
-struct tok_money : Token<CS_MONEY, CS_MONEY_TYPE> {};
-struct tok_mny4 : Token<CS_MONEY4, CS_MONEY4_TYPE> {};
+using namespace kes::conv;
 
 // The kernels by widened source and destination.
 int kernel(CS_INT v, CS_MONEY *d) { return com__inttomny(d, &v); }
@@ -86,20 +71,9 @@ template <class S, class D> CS_RETCODE comnb_convert(CAST_CONTEXT *context, __CO
 
 } // namespace
 
-#define KES_DEFINE_COMN(s, d)                                                                \
-    extern "C" CS_RETCODE comn_##s##to##d(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, \
-                                          CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen) \
-    {                                                                                        \
-        return comn_convert<tok_##s, tok_##d>(context, srcfmt, src, destfmt, dest, destlen); \
-    }
-#define KES_DEFINE_COMNB(s, d)                                                               \
-    extern "C" CS_RETCODE comnb_##s##to##d(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest) \
-    {                                                                                        \
-        return comnb_convert<tok_##s, tok_##d>(context, src, dest);                          \
-    }
-#define KES_DEFINE_ROW(s)                                                                    \
-    KES_DEFINE_COMN(s, money) KES_DEFINE_COMN(s, mny4) KES_DEFINE_COMNB(s, money)            \
-    KES_DEFINE_COMNB(s, mny4)
+#define KES_DEFINE_ROW(s)                                                                   \
+    KES_DEFINE_COMN(comn_convert, s, money) KES_DEFINE_COMN(comn_convert, s, mny4)          \
+    KES_DEFINE_COMNB(comnb_convert, s, money) KES_DEFINE_COMNB(comnb_convert, s, mny4)
 
 KES_DEFINE_ROW(i1)
 KES_DEFINE_ROW(i2)
@@ -108,5 +82,5 @@ KES_DEFINE_ROW(i8)
 KES_DEFINE_ROW(ui2)
 KES_DEFINE_ROW(ui4)
 KES_DEFINE_ROW(ui8)
-KES_DEFINE_COMNB(bit, money)
-KES_DEFINE_COMNB(bit, mny4)
+KES_DEFINE_COMNB(comnb_convert, bit, money)
+KES_DEFINE_COMNB(comnb_convert, bit, mny4)
