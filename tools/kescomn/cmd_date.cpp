@@ -1,6 +1,5 @@
 // kescomn date add|diff|part: calendar arithmetic on dates written in ISO
 // form, through the library's date kernels, for any of the six date types.
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <optional>
@@ -55,117 +54,78 @@ std::optional<int> part_code(std::string_view word)
     return std::nullopt;
 }
 
-// Reads up to `max` digits (at least one) from the front of s.
-std::optional<int> take_number(std::string_view &s, size_t max)
+// The storage of any of the six types, as the library's reader fills it.
+union Storage {
+    CS_DATETIME dt;
+    CS_DATETIME4 dt4;
+    CS_DATE date;
+    CS_TIME time;
+    CS_BIGDATETIME big;
+};
+
+constexpr CS_INT type_code(Kind kind)
 {
-    size_t n = 0;
-    while (n < s.size() && n < max && s[n] >= '0' && s[n] <= '9')
-        n++;
-    if (n == 0)
-        return std::nullopt;
-    int value = 0;
-    std::from_chars(s.data(), s.data() + n, value);
-    s.remove_prefix(n);
-    return value;
+    switch (kind) {
+    case Kind::datetime: return CS_DATETIME_TYPE;
+    case Kind::datetime4: return CS_DATETIME4_TYPE;
+    case Kind::date: return CS_DATE_TYPE;
+    case Kind::time: return CS_TIME_TYPE;
+    case Kind::bigdatetime: return CS_BIGDATETIME_TYPE;
+    default: return CS_BIGTIME_TYPE;
+    }
 }
 
-bool take(std::string_view &s, char c)
+// What a status of the reader means, for the one-line message.
+const char *status_text(CS_INT rc)
 {
-    if (s.empty() || s.front() != c)
-        return false;
-    s.remove_prefix(1);
-    return true;
+    switch (rc) {
+    case -1: return "syntax error";
+    case -2: return "tokens left over";
+    case 1: return "value out of the type's range";
+    case 2: return "month out of range";
+    case 3: return "day out of range";
+    case 4: return "hour out of range";
+    case 5: return "minute out of range";
+    case 6: return "second out of range";
+    case 7: return "fraction out of range";
+    case 9: return "hour contradicts AM/PM";
+    default: return "unexpected result";
+    }
 }
 
-// "YYYY-MM-DD[ HH:MM[:SS[.ffffff]]]", or the time alone; the fraction is read
-// as microseconds.  Fields are only split here: the library's make judges them.
-std::optional<CS_DATEREC> parse_iso(std::string_view s, bool time_only)
+// Text through the library's date reader into the type's storage; an error
+// message otherwise.
+std::optional<Storage> parse_text(const char *text, Kind kind, CS_INT style, CS_INT order, bool *truncated,
+                                  std::string &error)
 {
-    CS_DATEREC rec{};
-    rec.dateyear = 1900;
-    rec.datedmonth = 1;
-    rec.datesecprec = 1000000;
-    const bool has_date = s.size() > 4 && s.find('-') != std::string_view::npos;
-    if (has_date) {
-        const auto y = take_number(s, 4);
-        if (!y || !take(s, '-'))
-            return std::nullopt;
-        const auto m = take_number(s, 2);
-        if (!m || !take(s, '-'))
-            return std::nullopt;
-        const auto d = take_number(s, 2);
-        if (!d)
-            return std::nullopt;
-        rec.dateyear = *y;
-        rec.datemonth = *m - 1;
-        rec.datedmonth = *d;
-        if (s.empty())
-            return rec;
-        if (!take(s, ' ') && !take(s, 'T'))
-            return std::nullopt;
-    } else if (!time_only) {
+    std::string copy = text;
+    Storage v{};
+    CS_BOOL cut = 0;
+    const CS_INT rc = comn_date_parse(type_code(kind), copy.data(), static_cast<CS_INT>(copy.size()), style,
+                                      order, nullptr, nullptr, nullptr, &v, &cut);
+    if (rc != 0) {
+        error = "'" + std::string(text) + "' is refused: " + status_text(rc);
         return std::nullopt;
     }
-    const auto h = take_number(s, 2);
-    if (!h || !take(s, ':'))
-        return std::nullopt;
-    const auto mi = take_number(s, 2);
-    if (!mi)
-        return std::nullopt;
-    rec.datehour = *h;
-    rec.dateminute = *mi;
-    if (take(s, ':')) {
-        const auto sec = take_number(s, 2);
-        if (!sec)
-            return std::nullopt;
-        rec.datesecond = *sec;
-        if (take(s, '.')) {
-            const size_t digits = s.size();
-            const auto frac = take_number(s, 6);
-            if (!frac || digits > 6)
-                return std::nullopt;
-            int scaled = *frac;
-            for (size_t i = digits; i < 6; i++)
-                scaled *= 10;
-            rec.datesecfrac = scaled;
-        }
-    }
-    if (!s.empty())
-        return std::nullopt;
-    return rec;
+    if (truncated != nullptr)
+        *truncated = cut != 0;
+    return v;
 }
 
-const char *field_name(int status)
-{
-    static constexpr const char *names[] = {"", "year", "month", "day", "hour", "minute", "second", "fraction"};
-    return status > 0 && status < 8 ? names[status] : "value";
-}
-
-// The text of an argument as a value of the type; an error message otherwise.
+// The text of an argument as a value of the type, held the way the kernels
+// of its family take it; an error message otherwise.
 std::optional<Value> read_value(const char *text, const TypeInfo &type, std::string &error)
 {
-    const bool time_only = type.kind == Kind::time || type.kind == Kind::bigtime;
-    const auto rec = parse_iso(text, time_only);
-    if (!rec) {
-        error = "'" + std::string(text) + "' is not a date of the form YYYY-MM-DD[ HH:MM:SS[.ffffff]]";
+    const auto s = parse_text(text, type.kind, 0, 1, nullptr, error);
+    if (!s)
         return std::nullopt;
-    }
-    CS_DATEREC r = *rec;
     Value v;
-    int status = 0;
     switch (type.kind) {
-    case Kind::bigdatetime: status = com_bigdatetimemake(&v.big, &r); break;
-    case Kind::bigtime: status = com_bigtimemake(&v.big, &r); break;
-    case Kind::time: status = com_timemake(&v.dt, &r); break;
-    case Kind::date: status = com_datemake(&v.dt, &r); break;
-    default:
-        status = com_datemake(&v.dt, &r);
-        if (status == 0)
-            status = com_timemake(&v.dt, &r);
-    }
-    if (status != 0) {
-        error = "'" + std::string(text) + "': " + field_name(status) + " out of range";
-        return std::nullopt;
+    case Kind::datetime: v.dt = s->dt; break;
+    case Kind::datetime4: com_setdatetime(&v.dt, s->dt4.days, s->dt4.minutes * 18000); break;
+    case Kind::date: v.dt.dtdays = s->date; break;
+    case Kind::time: v.dt.dttime = s->time; break;
+    default: v.big = s->big;
     }
     return v;
 }
@@ -318,15 +278,82 @@ std::optional<std::vector<char *>> take_options(std::span<char *> args, Options 
     return rest;
 }
 
+// The longest style of each type: date and time with the type's fraction.
+CS_INT full_style(Kind kind)
+{
+    switch (kind) {
+    case Kind::date: return 111;
+    case Kind::time: case Kind::bigtime: return 37;
+    case Kind::datetime4: return 121;
+    default: return 140;
+    }
+}
+
+size_t storage_size(Kind kind)
+{
+    return kind == Kind::datetime || kind == Kind::bigdatetime || kind == Kind::bigtime ? 8 : 4;
+}
+
+// date parse TEXT [--type T] [--order N] [--style N]: the reader's value,
+// shown in the type's fullest style, with its stored bytes.
+// date format TEXT --style N [--type T]: the value of TEXT in a style.
+int run_text(std::string_view op, std::span<char *> args)
+{
+    Options o;
+    CS_INT order = 1;
+    std::optional<CS_INT> style;
+    std::vector<char *> words;
+    const auto rest = take_options(args, o);
+    if (!rest)
+        return fail(o.error);
+    for (size_t i = 0; i < rest->size(); i++) {
+        const std::string_view word = (*rest)[i];
+        if (word != "--order" && word != "--style") {
+            words.push_back((*rest)[i]);
+            continue;
+        }
+        const auto n = i + 1 < rest->size() ? parse_int((*rest)[++i]) : std::nullopt;
+        if (!n || *n < -100000 || *n > 100000)
+            return fail(std::string(word) + " takes a number");
+        (word == "--order" ? order : style.emplace()) = static_cast<CS_INT>(*n);
+    }
+    if (words.size() != 1)
+        return fail("date " + std::string(op) + " takes one date text; see kescomn date --help");
+    if (op == "format" && !style)
+        return fail("date format needs --style N");
+
+    std::string error;
+    bool truncated = false;
+    const Kind kind = o.type->kind;
+    auto v = parse_text(words[0], kind, op == "parse" ? style.value_or(0) : 0, order, &truncated, error);
+    if (!v)
+        return fail(error);
+    char buf[128];
+    const CS_INT shown = op == "parse" ? full_style(kind) : *style;
+    const CS_INT n = comn_date_format(type_code(kind), &*v, shown, nullptr, buf, sizeof buf);
+    if (n == -1)
+        return fail("style " + std::to_string(shown) + " is unknown");
+    if (n < 0)
+        return fail("style " + std::to_string(shown) + " cannot be written (" + std::to_string(n) + ")");
+    if (op == "format")
+        std::printf("%.*s\n", static_cast<int>(n), buf);
+    else
+        std::printf("%.*s  (bytes %s)%s\n", static_cast<int>(n), buf, hex(&*v, storage_size(kind)).c_str(),
+                    truncated ? "  fraction truncated" : "");
+    return 0;
+}
+
 int run_date(std::span<char *> args)
 {
+    if (!args.empty() && (std::string_view(args[0]) == "parse" || std::string_view(args[0]) == "format"))
+        return run_text(args[0], args.subspan(1));
     Options o;
     const auto words = take_options(args, o);
     if (!words)
         return fail(o.error);
     const std::vector<char *> &w = *words;
     if (w.empty())
-        return fail("date takes add, diff or part; see kescomn date --help");
+        return fail("date takes add, diff, part, parse or format; see kescomn date --help");
     const std::string_view op = w[0];
     const size_t want = op == "part" ? 3 : 4;
     if ((op != "add" && op != "diff" && op != "part") || w.size() != want)
@@ -388,9 +415,11 @@ int run_date(std::span<char *> args)
 } // namespace
 
 KESCOMN_COMMAND(date, "date",
-                "add PART N DATE | diff PART D1 D2 | part PART DATE [--type datetime|datetime4|date|time|"
-                "bigdatetime|bigtime] [--firstday 0-6]\n\n"
+                "add PART N DATE | diff PART D1 D2 | part PART DATE | parse TEXT [--order N] [--style N]\n"
+                "       | format TEXT --style N   [--type datetime|datetime4|date|time|bigdatetime|bigtime]\n"
+                "       [--firstday 0-6]\n\n"
                 "  PART is 0-14 or year, quarter, month, weekday, day, dayofyear, hour, minute, second,\n"
-                "  millisecond, week, isoyear, isoweek, isoweekday, microsecond.  Dates are written\n"
-                "  YYYY-MM-DD[ HH:MM[:SS[.ffffff]]]; time types also take the time alone.",
-                "calendar arithmetic: add to a date, difference of two dates, part of a date", run_date);
+                "  millisecond, week, isoyear, isoweek, isoweekday, microsecond.  Dates are any text the\n"
+                "  library reads (\"2024-02-29 13:45:00.5\", \"Feb 29 2024 1:45PM\", \"29/02/2024\" with\n"
+                "  --order); --order picks the field order of numeric dates, --style the text form.",
+                "dates: add, difference, part, and text in (parse) and out (format)", run_date);
