@@ -184,16 +184,16 @@ CS_RETCODE comn_debug_vprint(const CS_CHAR *fmtstr, CS_VOID *ap_ptr)
                 p++;
             continue;
         }
-        char spec = *p++;
-        piece[n++] = spec;
-        if (spec == 'l') {
+        char conversion = *p++;
+        piece[n++] = conversion;
+        if (conversion == 'l') {
             if (*p == 'd' || *p == 'x' || *p == 'X')
                 piece[n++] = *p++;
             else
                 piece[n++] = 'd';
         }
         piece[n] = '\0';
-        switch (spec) {
+        switch (conversion) {
         case 'd': case 'x': case 'X':
             std::fprintf(out, piece, va_arg(ap, int));
             break;
