@@ -168,8 +168,28 @@ bool read_exponent(const unsigned char *p, int32_t *exponent)
 
 int clamp_shift(int64_t v) { return static_cast<int>(v < -1000 ? -1000 : v > 1000 ? 1000 : v); }
 
+// True when no byte of the run is "e" or "E": a word at a time, folding case
+// and testing for a zero byte.
+bool no_exponent_letter(const unsigned char *p, int len)
+{
+    int i = 0;
+    for (; i + 8 <= len; i += 8) {
+        uint64_t w;
+        std::memcpy(&w, p + i, 8);
+        const uint64_t x = (w | 0x2020202020202020ULL) ^ 0x6565656565656565ULL;
+        if (((x - 0x0101010101010101ULL) & ~x & 0x8080808080808080ULL) != 0)
+            return false;
+    }
+    for (; i < len; ++i)
+        if ((p[i] | 0x20) == 'e')
+            return false;
+    return true;
+}
+
 const unsigned char *find_exponent(const unsigned char *p, int len)
 {
+    if (no_exponent_letter(p, len))
+        return nullptr;
     if (const void *e = std::memchr(p, 'e', static_cast<size_t>(len)))
         return static_cast<const unsigned char *>(e);
     return static_cast<const unsigned char *>(std::memchr(p, 'E', static_cast<size_t>(len)));
