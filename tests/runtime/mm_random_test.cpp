@@ -33,42 +33,34 @@ struct Scenario {
     unsigned seed;
 };
 
-class Shadow {
-public:
-    // Records a new block after checking that it overlaps no live one.
-    void add(void *p, const Live &block)
-    {
-        const auto start = reinterpret_cast<std::uintptr_t>(p);
-        auto next = blocks_.lower_bound(start);
-        if (next != blocks_.end()) {
-            ASSERT_LE(start + std::max<CS_UINT>(block.written, 1), next->first) << "overlaps the next block";
-        }
-        if (next != blocks_.begin()) {
-            auto prev = std::prev(next);
-            ASSERT_LE(prev->first + prev->second.written, start) << "overlaps the previous block";
-        }
-        blocks_[start] = block;
+using Shadow = std::map<std::uintptr_t, Live>;
+
+// Records a new block after checking that it overlaps no live one.
+void add(Shadow &shadow, void *p, const Live &block)
+{
+    const auto start = reinterpret_cast<std::uintptr_t>(p);
+    auto next = shadow.lower_bound(start);
+    if (next != shadow.end()) {
+        ASSERT_LE(start + std::max<CS_UINT>(block.written, 1), next->first) << "overlaps the next block";
     }
-
-    static void fill(void *p, const Live &block)
-    {
-        auto *bytes = static_cast<CS_BYTE *>(p);
-        for (CS_UINT i = 0; i < block.written; i++)
-            bytes[i] = pattern(block.seed, i);
+    if (next != shadow.begin()) {
+        ASSERT_LE(std::prev(next)->first + std::prev(next)->second.written, start) << "overlaps the previous block";
     }
+    shadow[start] = block;
+}
 
-    static void verify(const void *p, const Live &block, CS_UINT upto)
-    {
-        const auto *bytes = static_cast<const CS_BYTE *>(p);
-        for (CS_UINT i = 0; i < std::min(upto, block.written); i++)
-            ASSERT_EQ(bytes[i], pattern(block.seed, i)) << "byte " << i << " of a " << block.size << "-byte block";
-    }
+void fill(void *p, const Live &block)
+{
+    for (CS_UINT i = 0; i < block.written; i++)
+        static_cast<CS_BYTE *>(p)[i] = pattern(block.seed, i);
+}
 
-    std::map<std::uintptr_t, Live> &blocks() { return blocks_; }
-
-private:
-    std::map<std::uintptr_t, Live> blocks_;
-};
+void verify(std::uintptr_t p, const Live &block, CS_UINT upto)
+{
+    const auto *bytes = reinterpret_cast<const CS_BYTE *>(p);
+    for (CS_UINT i = 0; i < std::min(upto, block.written); i++)
+        ASSERT_EQ(bytes[i], pattern(block.seed, i)) << "byte " << i << " of a " << block.size << "-byte block";
+}
 
 // Free pieces of the heaps: in address order, inside their region, merged
 // with every touching neighbour, and never under a live block.
@@ -90,7 +82,7 @@ void check_heaps(MmPoolHead *head, Shadow &shadow)
         }
     }
     std::sort(free_ranges.begin(), free_ranges.end());
-    for (const auto &[start, block] : shadow.blocks()) {
+    for (const auto &[start, block] : shadow) {
         auto it = std::upper_bound(free_ranges.begin(), free_ranges.end(),
                                    std::make_pair(start, UINTPTR_MAX));
         if (it != free_ranges.begin()) {
@@ -142,8 +134,8 @@ public:
         // Unforced drops from the leaves up, then the root.
         while (!children_.empty())
             drop_child();
-        for (auto &[p, block] : shadow_.blocks())
-            Shadow::verify(reinterpret_cast<void *>(p), block, block.written);
+        for (auto &[p, block] : shadow_)
+            verify(p, block, block.written);
         ASSERT_EQ(comn_mmdrop(root_, CS_UNUSED), CS_SUCCEED);
         EXPECT_TRUE(supplier_.live.empty()) << "regions kept after the drop";
     }
@@ -152,10 +144,7 @@ private:
     static constexpr CS_INT kLimit = 256 * 1024;
     static constexpr CS_UINT kBufferBytes = 512 * 1024;
 
-    CS_UINT pick(std::initializer_list<CS_UINT> values)
-    {
-        return *(values.begin() + rng_() % values.size());
-    }
+    CS_UINT pick(std::initializer_list<CS_UINT> values) { return *(values.begin() + rng_() % values.size()); }
 
     // Mostly small requests, some of a few pages, a few past the big block.
     CS_UINT request_size()
@@ -224,13 +213,13 @@ private:
         Live block{h, size, size, static_cast<CS_BYTE>(rng_())};
         if (s_.type == MM_BUDDY)
             block.written = std::min(size, buddy_data_bytes(p));
-        shadow_.add(p, block);
-        Shadow::fill(p, block);
+        add(shadow_, p, block);
+        fill(p, block);
     }
 
     std::map<std::uintptr_t, Live>::iterator any_block()
     {
-        auto &blocks = shadow_.blocks();
+        auto &blocks = shadow_;
         auto it = blocks.begin();
         std::advance(it, static_cast<long>(rng_() % blocks.size()));
         return it;
@@ -238,23 +227,23 @@ private:
 
     void release()
     {
-        if (shadow_.blocks().empty())
+        if (shadow_.empty())
             return;
         auto it = any_block();
         void *p = reinterpret_cast<void *>(it->first);
-        Shadow::verify(p, it->second, it->second.written);
+        verify(it->first, it->second, it->second.written);
         const CS_RETCODE rc = comn_mmfree(it->second.owner, p);
         if (s_.type == MM_ALLOCONLY) {
             ASSERT_EQ(rc, CS_FAIL);
             return;
         }
         ASSERT_EQ(rc, CS_SUCCEED);
-        shadow_.blocks().erase(it);
+        shadow_.erase(it);
     }
 
     void realloc()
     {
-        if (shadow_.blocks().empty())
+        if (shadow_.empty())
             return;
         auto it = any_block();
         Live block = it->second;
@@ -279,10 +268,10 @@ private:
             const CS_UINT header = (header_word(p) & MM_BUDDY_OVERSIZE) ? 0 : 8;
             ASSERT_GE(buddy_data_bytes(p) + header, size) << "stayed without room";
         }
-        Shadow::verify(q, block, moved.written);
-        shadow_.blocks().erase(it);
-        shadow_.add(q, moved);
-        Shadow::fill(q, moved);
+        verify(reinterpret_cast<std::uintptr_t>(q), block, moved.written);
+        shadow_.erase(it);
+        add(shadow_, q, moved);
+        fill(q, moved);
     }
 
     void drop_child()
@@ -291,14 +280,13 @@ private:
             return;
         const size_t at = rng_() % children_.size();
         MM_HANDLE *child = children_[at];
-        auto &blocks = shadow_.blocks();
-        for (auto it = blocks.begin(); it != blocks.end();) {
-            if (it->second.owner == child) {
-                Shadow::verify(reinterpret_cast<void *>(it->first), it->second, it->second.written);
-                it = blocks.erase(it);
-            } else {
+        for (auto it = shadow_.begin(); it != shadow_.end();) {
+            if (it->second.owner != child) {
                 ++it;
+                continue;
             }
+            verify(it->first, it->second, it->second.written);
+            it = shadow_.erase(it);
         }
         ASSERT_EQ(comn_mmdrop(child, CS_UNUSED), CS_SUCCEED);
         children_.erase(children_.begin() + static_cast<long>(at));
@@ -360,6 +348,9 @@ TEST_P(MmRandom, ShadowMapAgrees)
     runner.run(6000);
 }
 
+const char *const kTypeNames[] = {"buddy", "uniform", "alloconly"};
+const char *const kSupplyNames[] = {"unlimited", "limited", "buffer"};
+
 std::vector<Scenario> scenarios()
 {
     std::vector<Scenario> all;
@@ -372,11 +363,9 @@ std::vector<Scenario> scenarios()
 
 std::string scenario_name(const ::testing::TestParamInfo<Scenario> &info)
 {
-    const char *type = info.param.type == MM_BUDDY ? "buddy" : info.param.type == MM_UNIFORM ? "uniform" : "alloconly";
-    const char *supply = info.param.supply == Supply::unlimited ? "unlimited"
-                         : info.param.supply == Supply::limited ? "limited"
-                                                                : "buffer";
-    return std::string(type) + "_" + supply + "_" + std::to_string(info.index);
+    const int type = info.param.type == MM_BUDDY ? 0 : info.param.type == MM_UNIFORM ? 1 : 2;
+    return std::string(kTypeNames[type]) + "_" + kSupplyNames[static_cast<int>(info.param.supply)] + "_" +
+           std::to_string(info.index);
 }
 
 INSTANTIATE_TEST_SUITE_P(Disciplines, MmRandom, ::testing::ValuesIn(scenarios()), scenario_name);

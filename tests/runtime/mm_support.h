@@ -43,16 +43,14 @@ template <class T> CS_RETCODE set_ptr(MM_HANDLE *h, CS_INT property, T value)
     return comn_mmproperty(h, MM_ACT_SET, property, &value, sizeof value, nullptr);
 }
 
-template <class T> T get_ptr(MM_HANDLE *h, CS_INT property, CS_INT buflen = 8)
+// The child tagged tag, made when missing (the tag travels as the buffer length).
+inline MM_HANDLE *subpool(MM_HANDLE *h, CS_INT tag)
 {
-    T value{};
+    MM_HANDLE *child = nullptr;
     CS_INT outlen = 0;
-    EXPECT_EQ(comn_mmproperty(h, MM_ACT_GET, property, &value, buflen, &outlen), CS_SUCCEED);
-    EXPECT_EQ(outlen, 8);
-    return value;
+    EXPECT_EQ(comn_mmproperty(h, MM_ACT_GET, MM_PROP_SUBPOOL, &child, tag, &outlen), CS_SUCCEED);
+    return child;
 }
-
-inline MM_HANDLE *subpool(MM_HANDLE *h, CS_INT tag) { return get_ptr<MM_HANDLE *>(h, MM_PROP_SUBPOOL, tag); }
 
 // The header word in front of a buddy block's data.
 inline CS_UINT header_word(const void *data)
@@ -62,8 +60,8 @@ inline CS_UINT header_word(const void *data)
     return word;
 }
 
-// Data bytes a buddy block really holds (its header is counted in the
-// capacity that realloc tests against, not in what the caller may write).
+// Data bytes a buddy block really holds (realloc counts its header in the
+// capacity, the caller may not write it).
 inline CS_UINT buddy_data_bytes(const void *data)
 {
     const CS_UINT word = header_word(data);
@@ -76,8 +74,7 @@ inline CS_UINT buddy_data_bytes(const void *data)
 struct Supplier {
     std::map<void *, CS_INT> live;
     std::int64_t drawn = 0;
-    int calls = 0;
-    int returned = 0;
+    int calls = 0, returned = 0;
 
     static CS_VOID *sbreak(MM_HANDLE *, CS_VOID *param, CS_INT size)
     {
@@ -94,9 +91,7 @@ struct Supplier {
     static void unsbreak(MM_HANDLE *, CS_VOID *param, CS_VOID *region)
     {
         auto *self = static_cast<Supplier *>(param);
-        auto it = self->live.find(region);
-        ASSERT_NE(it, self->live.end()) << "a region the supplier never gave came back";
-        self->live.erase(it);
+        ASSERT_EQ(self->live.erase(region), 1u) << "a region the supplier never gave came back";
         self->returned++;
         std::free(region);
     }
@@ -115,7 +110,8 @@ struct Supplier {
     }
 };
 
-// A pool on a fresh context with a counting supplier.
+// A pool on a fresh context with a counting supplier, force-dropped at the
+// end with every region back.
 struct Pool {
     PoolContext context;
     Supplier supplier;
