@@ -1,6 +1,5 @@
 // kescomn convert FROMTYPE TOTYPE VALUE: one value through the conversion
 // matrix, the way a driver would do it.
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -51,43 +50,6 @@ CS_DATAFMT make_fmt(CS_INT type, CS_INT maxlength, const Options &opt)
     return f;
 }
 
-// Integers and bit read as plain decimal, while the library has no text scanner.
-bool read_integer(CS_INT type, const char *text, std::vector<CS_BYTE> &value, CS_INT &len)
-{
-    if (type == CS_UBIGINT_TYPE) {
-        CS_UBIGINT u;
-        const char *end = text + std::strlen(text);
-        auto [stop, ec] = std::from_chars(text, end, u);
-        if (ec != std::errc() || stop != end)
-            return false;
-        value.resize(sizeof u);
-        std::memcpy(value.data(), &u, sizeof u);
-        len = sizeof u;
-        return true;
-    }
-    std::optional<long long> n = parse_int(text);
-    if (!n)
-        return false;
-    auto put = [&](auto v) {
-        if (static_cast<long long>(v) != *n)
-            return false;
-        value.resize(sizeof v);
-        std::memcpy(value.data(), &v, sizeof v);
-        len = sizeof v;
-        return true;
-    };
-    switch (type) {
-    case CS_TINYINT_TYPE: return put(static_cast<CS_TINYINT>(*n));
-    case CS_BIT_TYPE: return put(static_cast<CS_BIT>(*n));
-    case CS_SMALLINT_TYPE: return put(static_cast<CS_SMALLINT>(*n));
-    case CS_INT_TYPE: return put(static_cast<CS_INT>(*n));
-    case CS_BIGINT_TYPE: case CS_LONG_TYPE: return put(static_cast<CS_BIGINT>(*n));
-    case CS_USMALLINT_TYPE: return put(static_cast<CS_USMALLINT>(*n));
-    case CS_UINT_TYPE: return put(static_cast<CS_UINT>(*n));
-    default: return false;
-    }
-}
-
 // The source value in FROMTYPE's storage: text types take the bytes as they
 // are, every other type goes through the library's text-to-type cell.
 bool read_value(Session &s, CS_INT type, const char *text, std::vector<CS_BYTE> &value, CS_INT &len,
@@ -100,14 +62,16 @@ bool read_value(Session &s, CS_INT type, const char *text, std::vector<CS_BYTE> 
         return true;
     }
     CS_CONV_FUNC parse = com_conv_func(&s.context, CS_CHAR_TYPE, type);
-    if (parse == nullptr && read_integer(type, text, value, len))
-        return true;
     if (parse == nullptr) {
         fail("no conversion from text to " + type_name(type) + " to read the value");
         return false;
     }
     CS_DATAFMT srcfmt = make_fmt(CS_CHAR_TYPE, textlen, Options{});
-    CS_DATAFMT destfmt = make_fmt(type, kBufferSize, Options{0, -1, opt.precision, opt.scale});
+    // A numeric source keeps the precision and scale its text has.
+    const bool numeric = type == CS_NUMERIC_TYPE || type == CS_DECIMAL_TYPE;
+    CS_DATAFMT destfmt = make_fmt(type, kBufferSize, Options{});
+    destfmt.precision = numeric ? CS_SRC_VALUE : opt.precision;
+    destfmt.scale = numeric ? CS_SRC_VALUE : opt.scale;
     value.assign(kBufferSize, 0);
     CS_RETCODE rc = parse(&s.context, &srcfmt, const_cast<char *>(text), &destfmt, value.data(), &len);
     if (rc != CS_SUCCEED) {
@@ -212,7 +176,8 @@ int run_convert(std::span<char *> args)
     } else {
         std::printf("bytes   %s\n", hex(dest.data(), static_cast<size_t>(shown)).c_str());
     }
-    if (rc == CS_SUCCEED || rc == CS_EOVERFLOW || rc == CS_EUNDERFLOW || rc == CS_TRUNCATED) {
+    const bool written = shown > 0 || *to == CS_VARCHAR_TYPE;
+    if (written && (rc == CS_SUCCEED || rc == CS_EOVERFLOW || rc == CS_EUNDERFLOW || rc == CS_TRUNCATED)) {
         const std::string text = render(s, *to, dest.data(), shown);
         if (!text.empty())
             std::printf("value   %s\n", text.c_str());
