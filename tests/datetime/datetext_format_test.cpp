@@ -134,58 +134,42 @@ TEST(DateFormat, CutAtTheCapacityEdges)
     }
 }
 
-TEST(DateFormat, TimeOfDayTypes)
-{
-    // A CS_TIME stands on 1900-01-01, a CS_BIGTIME on 0001-01-01.
-    CS_TIME t = 15 * 1080000 + 7 * 18000 + 9 * 300 + 37;
-    CS_BIGTIME bt = ((15 * 60 + 7) * 60 + 9) * 1000000ULL + 123456;
-    struct Case {
-        int style, rc;
-        const char *time_text, *big_text;
-    };
-    const Case cases[] = {
-        {0, 7, " 3:07PM", " 3:07PM"}, // styles 0 and 9 drop the date
-        {9, 14, " 3:07:09:123PM", " 3:07:09:123PM"},
-        {37, 15, "15:07:09.123000", "15:07:09.123456"},
-        {100, 19, "Jan  1 1900  3:07PM", "Jan  1    1  3:07PM"}, // the year blank-filled
-        {16, 20, "Jan  1 1900 15:07:09", "Jan  1 0001 15:07:09"},
-        {40, 24, "00-01-01 15:07:09.123000", "01-01-01 15:07:09.123456"},
-        {106, 1, "", ""}, // date-only styles give one NUL
-        {24, -1, "", ""}, {119, -1, "", ""},
-    };
-    for (const Case &c : cases) {
-        const Out a = run([&](char *b, int n) { return com__timeatochar(&t, b, n, c.style, shorts()); });
-        const Out big = run([&](char *b, int n) { return com__bigtimetochar(&bt, b, n, c.style, shorts()); });
-        EXPECT_EQ(a.rc, c.rc) << c.style;
-        EXPECT_EQ(a.text, c.rc == 1 ? std::string(1, '\0') : c.time_text) << c.style;
-        EXPECT_EQ(big.text, c.rc == 1 ? std::string(1, '\0') : c.big_text) << c.style;
-    }
-    // The names are needed only for a date that is shown; a NUL needs room.
-    EXPECT_EQ(run([&](char *b, int n) { return com__timeatochar(&t, b, n, 7, nullptr); }).rc, 1);
-    EXPECT_EQ(run([&](char *b, int n) { return com__timeatochar(&t, b, n, 7, shorts()); }, 0).rc, 0);
-    EXPECT_EQ(run([&](char *b, int n) { return com__timeatochar(&t, b, n, 100, nullptr); }).rc, -2);
-}
-
-TEST(DateFormat, StorageTypesAndEntries)
+TEST(DateFormat, EveryTypeThroughTheExportedEntry)
 {
     CS_DATETIME dt{39510, 15 * 1080000 + 7 * 18000 + 9 * 300 + 37}; // 2008-03-05 15:07:09.123
     CS_DATETIME4 d4{39510, 15 * 60 + 7};
-    CS_DATE d = -693595;
-    CS_BIGDATETIME big = 63371948829999600ULL; // 2008-03-05 15:07:09.9996
+    CS_DATE d = -693595;                                            // 0001-01-01
+    CS_BIGDATETIME big = 63371948829999600ULL;                      // 2008-03-05 15:07:09.9996
+    CS_TIME t = dt.dttime;                                          // on 1900-01-01
+    CS_BIGTIME bt = ((15 * 60 + 7) * 60 + 9) * 1000000ULL + 123456; // on 0001-01-01
     const std::tuple<CS_INT, void *, int, const char *> cases[] = {
         {CS_DATETIME_TYPE, &dt, 107, "Mar 05, 2008"},
         {CS_DATETIME4_TYPE, &d4, 9, "Mar  5 2008  3:07:00:000PM"},
         {CS_DATE_TYPE, &d, 0, "Jan  1 0001"}, // styles 0 and 9 show a date alone
         {CS_DATE_TYPE, &d, 121, "0001/01/01 00:00:00"},
-        {CS_BIGDATETIME_TYPE, &big, 9, "Mar  5 2008  3:07:09:000PM"},
+        {CS_BIGDATETIME_TYPE, &big, 9, "Mar  5 2008  3:07:09:000PM"}, // no carry into the second
         {CS_BIGDATETIME_TYPE, &big, 140, "2008-03-05 15:07:09.999600"},
+        // a time of day: styles 0 and 9 drop the date, 100 and 109 blank-fill
+        // the year, date-only styles give one NUL
+        {CS_TIME_TYPE, &t, 0, " 3:07PM"}, {CS_BIGTIME_TYPE, &bt, 9, " 3:07:09:123PM"},
+        {CS_TIME_TYPE, &t, 37, "15:07:09.123000"}, {CS_BIGTIME_TYPE, &bt, 37, "15:07:09.123456"},
+        {CS_TIME_TYPE, &t, 100, "Jan  1 1900  3:07PM"}, {CS_BIGTIME_TYPE, &bt, 109, "Jan  1    1  3:07:09:123PM"},
+        {CS_TIME_TYPE, &t, 16, "Jan  1 1900 15:07:09"}, {CS_BIGTIME_TYPE, &bt, 16, "Jan  1 0001 15:07:09"},
+        {CS_TIME_TYPE, &t, 40, "00-01-01 15:07:09.123000"}, {CS_BIGTIME_TYPE, &bt, 40, "01-01-01 15:07:09.123456"},
+        {CS_TIME_TYPE, &t, 106, "NUL"}, {CS_BIGTIME_TYPE, &bt, 1, "NUL"},
+        {CS_TIME_TYPE, &t, 24, "-1"}, {CS_BIGTIME_TYPE, &bt, 119, "-1"},
         {CS_DATE_TYPE, &d, 24, "-1"}, {CS_INT_TYPE, &dt, 0, "-107"},
     };
     char buf[64];
     for (const auto &[type, value, style, text] : cases) {
         const CS_INT n = comn_date_format(type, value, style, nullptr, buf, sizeof buf);
-        EXPECT_EQ(n > 0 ? std::string(buf, n) : std::to_string(n), text) << type << " style " << style;
+        const std::string got = n == 1 && buf[0] == '\0' ? "NUL" : n > 0 ? std::string(buf, n) : std::to_string(n);
+        EXPECT_EQ(got, text) << type << " style " << style;
     }
+    // The names are needed only for a date that is shown; the NUL needs room.
+    EXPECT_EQ(com__timeatochar(&t, buf, 8, 7, nullptr), 1);
+    EXPECT_EQ(com__timeatochar(&t, buf, 0, 7, nullptr), 0);
+    EXPECT_EQ(com__timeatochar(&t, buf, 64, 100, nullptr), -2);
     EXPECT_EQ(com_cvtdate4tochar(&d4, buf, 64, 16, nullptr), -2); // no default names here
     EXPECT_EQ(com__dateatochar(&d, buf, 5, 9, shorts()), 0);
 

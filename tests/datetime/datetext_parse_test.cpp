@@ -201,27 +201,17 @@ TEST(DateParse, MultiByteCharacterSet)
     CS_NORM_MAP norm[2]{};
     CS_BYTE widths[256];
     for (int b = 0; b < 256; b++) {
-        types[0].chmap[b] = com_get_typemap()->chmap[b];
-        widths[b] = 0x11;
-        norm[0].norm[b] = static_cast<CS_BYTE>(b >= 'a' && b <= 'z' ? b - 32 : b);
+        const bool lead = b == 0x81 || b == 0x82;
+        widths[b] = lead ? 0x22 : 0x11;
+        types[0].chmap[b] = lead ? CHAR_MAP{1, 1, 0, 0x80} : com_get_typemap()->chmap[b];
+        norm[0].norm[b] = static_cast<CS_BYTE>(lead ? 1 : b >= 'a' && b <= 'z' ? b - 32 : b);
+        if (b >= '0' && b <= '9')
+            types[1].chmap[b] = {0, 0, 2, CS_CT_DIGIT}, norm[1].norm[b] = static_cast<CS_BYTE>(b);
     }
-    for (int lead : {0x81, 0x82}) {
-        widths[lead] = 0x22;
-        types[0].chmap[lead] = {1, 1, 0, 0x80};
-        norm[0].norm[lead] = 1;
-    }
-    for (int d = 0; d < 10; d++) {
-        types[1].chmap[0x30 + d] = {0, 0, 2, CS_CT_DIGIT};
-        norm[1].norm[0x30 + d] = static_cast<CS_BYTE>('0' + d);
-    }
-    norm[1].norm[0x3A] = ':';
+    norm[1].norm[':'] = ':';
     CS_ATTRIB set{};
-    set.cs_class = 2;
-    set.cs_maxcharlen = 2;
-    set.cs_width_map = widths;
-    set.cs_norm_map = norm;
-    set.cs_type_map = types;
-    set.cs_ntype = set.cs_nnorm = 2;
+    set.cs_class = 2, set.cs_maxcharlen = 2, set.cs_width_map = widths, set.cs_norm_map = norm;
+    set.cs_type_map = types, set.cs_ntype = set.cs_nnorm = 2;
     const std::pair<std::string, const char *> cases[] = {
         {"\x82\x31\x82\x32\x81\x3A\x82\x33\x82\x30", "1900-01-01 12:30:00.000"}, // full-width 12:30
         {"dec 31 2008 11:00 pm", "2008-12-31 23:00:00.000"},
