@@ -7,6 +7,7 @@
 #include "conv/fill.h"
 #include "conv/scalar_io.h"
 #include "conv/string_conv.h"
+#include "conv/conv_common.h"
 #include "errors/assert.h"
 #include "intl/charattr.h"
 #include "intl/locale_records.h"
@@ -99,12 +100,7 @@ Text varchar_text(CS_VOID *src)
 template <Source S> void assert_conv_args(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
                                           CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(S == Source::text ? char_family(srcfmt->datatype) : srcfmt->datatype == CS_VARCHAR_TYPE);
 }
 

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "conv/scalar_io.h"
+#include "conv/conv_common.h"
 #include "errors/assert.h"
 #include "kescomn/numeric.h"
 #include "numeric/exctnume.h"
@@ -99,12 +100,7 @@ template <class S>
 CS_RETCODE comn_tonum(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                       CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(S::admits(srcfmt->datatype));
     KES_ASSERT(destfmt->datatype == CS_NUMERIC_TYPE || destfmt->datatype == CS_DECIMAL_TYPE);
 

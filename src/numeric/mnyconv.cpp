@@ -8,6 +8,7 @@
 
 #include "conv/char_scan.h"
 #include "conv/fill.h"
+#include "conv/conv_common.h"
 #include "conv/scalar_io.h"
 #include "errors/assert.h"
 #include "kescomn/charattr.h"
@@ -16,49 +17,9 @@
 #include "kescomn/numconv.h"
 #include "numeric/mny.h"
 
-using kes::conv::load;
-using kes::conv::store;
-
 namespace {
 
-enum class Layer { comn, comnb };
-
-template <class T, int Code> struct Token {
-    using type = T;
-    static constexpr int code = Code;
-};
-struct tok_money : Token<CS_MONEY, CS_MONEY_TYPE> {};
-struct tok_mny4 : Token<CS_MONEY4, CS_MONEY4_TYPE> {};
-struct tok_bit : Token<CS_BIT, CS_BIT_TYPE> {};
-struct tok_i1 : Token<CS_TINYINT, CS_TINYINT_TYPE> {};
-struct tok_i2 : Token<CS_SMALLINT, CS_SMALLINT_TYPE> {};
-struct tok_i4 : Token<CS_INT, CS_INT_TYPE> {};
-struct tok_i8 : Token<CS_BIGINT, CS_BIGINT_TYPE> {};
-struct tok_ui2 : Token<CS_USMALLINT, CS_USMALLINT_TYPE> {};
-struct tok_ui4 : Token<CS_UINT, CS_UINT_TYPE> {};
-struct tok_ui8 : Token<CS_UBIGINT, CS_UBIGINT_TYPE> {};
-struct tok_flt4 : Token<CS_REAL, CS_REAL_TYPE> {};
-struct tok_flt8 : Token<CS_FLOAT, CS_FLOAT_TYPE> {};
-struct tok_char {};
-struct tok_varchar {};
-struct tok_bin {};
-struct tok_varbin {};
-
-template <class D> constexpr bool admits_dest(CS_INT code)
-{
-    if constexpr (std::is_same_v<D, tok_i8>)
-        return code == CS_BIGINT_TYPE || code == CS_LONG_TYPE;
-    else if constexpr (std::is_same_v<D, tok_char>)
-        return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE;
-    else if constexpr (std::is_same_v<D, tok_varchar>)
-        return code == CS_VARCHAR_TYPE;
-    else if constexpr (std::is_same_v<D, tok_bin>)
-        return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
-    else if constexpr (std::is_same_v<D, tok_varbin>)
-        return code == CS_VARBINARY_TYPE;
-    else
-        return code == D::code;
-}
+using namespace kes::conv;
 
 template <class S> CS_MONEY wide(const void *src)
 {
@@ -230,12 +191,7 @@ template <class S, class D>
 CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                         CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(srcfmt->datatype == S::code);
     KES_ASSERT(admits_dest<D>(destfmt->datatype));
     if constexpr (std::is_same_v<D, tok_bin>) {
@@ -312,12 +268,7 @@ template <class D, bool Var>
 CS_RETCODE comn_text_to_money(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                               CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(destfmt->datatype == D::code);
     CS_CHAR *text;
     CS_INT len;
@@ -345,18 +296,9 @@ CS_RETCODE comn_text_to_money(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *
     X(s, flt8) X(s, money) X(s, mny4) X(s, char) X(s, varchar)
 #define KES_COMN_DESTS(X, s) KES_COMNB_DESTS(X, s) X(s, bin) X(s, varbin)
 
-#define KES_DEFINE_COMN(s, d)                                                                \
-    extern "C" CS_RETCODE comn_##s##to##d(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, \
-                                          CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen) \
-    {                                                                                        \
-        return comn_convert<tok_##s, tok_##d>(context, srcfmt, src, destfmt, dest, destlen); \
-    }
-#define KES_DEFINE_COMNB(s, d)                                                               \
-    extern "C" CS_RETCODE comnb_##s##to##d(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest) \
-    {                                                                                        \
-        return comnb_convert<tok_##s, tok_##d>(context, src, dest);                          \
-    }
-#define KES_DEFINE_ROW(s) KES_COMN_DESTS(KES_DEFINE_COMN, s) KES_COMNB_DESTS(KES_DEFINE_COMNB, s)
+#define KES_DEFINE_MONEY_COMN(s, d) KES_DEFINE_COMN(comn_convert, s, d)
+#define KES_DEFINE_MONEY_COMNB(s, d) KES_DEFINE_COMNB(comnb_convert, s, d)
+#define KES_DEFINE_ROW(s) KES_COMN_DESTS(KES_DEFINE_MONEY_COMN, s) KES_COMNB_DESTS(KES_DEFINE_MONEY_COMNB, s)
 KES_DEFINE_ROW(money)
 KES_DEFINE_ROW(mny4)
 

@@ -10,6 +10,7 @@
 #include "conv/char_scan.h"
 #include "conv/fill.h"
 #include "conv/scalar_io.h"
+#include "conv/conv_common.h"
 #include "errors/assert.h"
 #include "kescomn/charattr.h"
 #include "kescomn/debug.h"
@@ -264,12 +265,7 @@ template <class D>
 CS_RETCODE comn_numto(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                       CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(is_numeric_code(srcfmt->datatype));
     KES_ASSERT(admits_dest<D>(destfmt->datatype));
     auto *num = static_cast<CS_NUMERIC *>(src);
@@ -424,12 +420,7 @@ template <class S>
 CS_RETCODE comn_float_to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                              CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(srcfmt->datatype == (std::is_same_v<S, CS_REAL> ? CS_REAL_TYPE : CS_FLOAT_TYPE));
     KES_ASSERT(is_numeric_code(destfmt->datatype));
     *destlen = sizeof(CS_NUMERIC);
@@ -458,12 +449,7 @@ template <bool Four>
 CS_RETCODE comn_money_to_num(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                              CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(srcfmt->datatype == (Four ? CS_MONEY4_TYPE : CS_MONEY_TYPE));
     KES_ASSERT(is_numeric_code(destfmt->datatype));
     *destlen = sizeof(CS_NUMERIC);
@@ -512,33 +498,28 @@ template <bool Four> CS_RETCODE comnb_money_to_num(CAST_CONTEXT *context, __CONS
 #define KES_NUM_DESTS(X) \
     X(bit) X(i1) X(i2) X(i4) X(i8) X(ui2) X(ui4) X(ui8) X(flt4) X(flt8) X(money) X(mny4) X(char) X(varchar)
 
-#define KES_DEFINE_COMN(d)                                                                   \
+#define KES_DEFINE_NUM_COMN(d)                                                                   \
     extern "C" CS_RETCODE comn_numto##d(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,  \
                                         CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen)   \
     {                                                                                        \
         return comn_numto<to_##d>(context, srcfmt, src, destfmt, dest, destlen);             \
     }
-#define KES_DEFINE_COMNB(d)                                                                  \
+#define KES_DEFINE_NUM_COMNB(d)                                                                  \
     extern "C" CS_RETCODE comnb_numto##d(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *dest) \
     {                                                                                        \
         return comnb_numto<to_##d>(context, src, dest);                                      \
     }
-KES_NUM_DESTS(KES_DEFINE_COMN)
-KES_NUM_DESTS(KES_DEFINE_COMNB)
-KES_DEFINE_COMN(bin)
-KES_DEFINE_COMN(varbin)
+KES_NUM_DESTS(KES_DEFINE_NUM_COMN)
+KES_NUM_DESTS(KES_DEFINE_NUM_COMNB)
+KES_DEFINE_NUM_COMN(bin)
+KES_DEFINE_NUM_COMN(varbin)
 
 extern "C" {
 
 CS_RETCODE comn_numtonum(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                          CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(is_numeric_code(srcfmt->datatype));
     KES_ASSERT(is_numeric_code(destfmt->datatype));
     auto *in = static_cast<CS_NUMERIC *>(src);
@@ -602,12 +583,7 @@ CS_RETCODE comnb_numtonum(CAST_CONTEXT *context, __CONSTANT *src, __CONSTANT *de
 CS_RETCODE comn_chartonum(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt, CS_VOID *dest,
                           CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(srcfmt->maxlength >= 1);
     KES_ASSERT(is_numeric_code(destfmt->datatype));
     return comn_text_to_num(context, srcfmt, static_cast<CS_CHAR *>(src), srcfmt->maxlength, destfmt, dest,
@@ -617,12 +593,7 @@ CS_RETCODE comn_chartonum(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src,
 CS_RETCODE comn_varchartonum(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                              CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(context);
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(srcfmt->datatype == CS_VARCHAR_TYPE);
     KES_ASSERT(is_numeric_code(destfmt->datatype));
     auto *vc = static_cast<CS_VARCHAR *>(src);
