@@ -2,7 +2,8 @@
 // arithmetic: random operands of every precision and scale, with zeros,
 // negative zeros, all-nines and small values mixed in.  The expected shape
 // of each result comes from the rules for result precision and scale; value,
-// sign byte and result code must all agree.
+// sign byte and result code must all agree.  The byte-digit kernel division
+// is checked the same way.
 #include <gmp.h>
 #include <gtest/gtest.h>
 
