@@ -96,8 +96,9 @@ TEST(MoneyToInt, RoundingClampsAndUnwrittenDestinations)
         std::memcpy(outb, &kUntouched, 8);
         __CONSTANT dst = kes::test::constant(outb, 0, 8);
         EXPECT_EQ(code_name(c.fb(&cast, &src, &dst)), code_name(c.rc)) << c.units;
-        if (c.stored != kUntouched)
+        if (c.stored != kUntouched) {
             EXPECT_EQ(read_int(c.type, outb), c.stored) << c.units;
+        }
     }
 }
 
@@ -254,8 +255,9 @@ TEST(TextToMoney, BothLayers)
         CS_MONEY mb{};
         __CONSTANT dst = kes::test::constant(reinterpret_cast<CS_BYTE *>(&mb), 0, 8);
         EXPECT_EQ(code_name(comnb_chartomoney(&cast, &src, &dst)), code_name(c.rc)) << t;
-        if (c.rc == CS_SUCCEED)
+        if (c.rc == CS_SUCCEED) {
             EXPECT_EQ(std::memcmp(&m, &mb, 8), 0) << t;
+        }
         CS_VARCHAR vc{};
         vc.len = static_cast<CS_SMALLINT>(t.size());
         std::memcpy(vc.str, t.data(), t.size());

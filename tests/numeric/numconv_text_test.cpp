@@ -103,8 +103,9 @@ TEST(NumTextRead, GrammarSignsBlanksAndTolerance)
     for (const auto &c : cases) {
         const Read r = read(c.text, c.prec, c.scale, c.flag);
         EXPECT_EQ(r.status, c.status) << '"' << c.text << '"';
-        if (c.status == 0 && r.status == 0)
+        if (c.status == 0 && r.status == 0) {
             EXPECT_EQ(r.text, c.out) << '"' << c.text << '"';
+        }
     }
 }
 
@@ -135,8 +136,9 @@ TEST(NumTextRead, ExponentPositionsAndTheirOddRules)
     for (const auto &c : cases) {
         const Read r = read(c.text, c.prec, c.scale, c.flag);
         EXPECT_EQ(r.status, c.status) << '"' << c.text << '"';
-        if (c.status == 0 && r.status == 0)
+        if (c.status == 0 && r.status == 0) {
             EXPECT_EQ(r.text, c.out) << '"' << c.text << '"';
+        }
     }
 }
 
