@@ -13,6 +13,8 @@
 
 #include "kescomn.h"
 
+#include "support/ratio.h"
+
 namespace {
 
 constexpr size_t kTexts = 1024;
@@ -55,7 +57,7 @@ void BM_comn_chartoi4(benchmark::State &state)
         benchmark::DoNotOptimize(value);
     }
 }
-BENCHMARK(BM_comn_chartoi4);
+BENCHMARK(BM_comn_chartoi4)->Name("chartoi4/lib");
 
 void BM_from_chars_i32(benchmark::State &state)
 {
@@ -68,7 +70,7 @@ void BM_from_chars_i32(benchmark::State &state)
         benchmark::DoNotOptimize(value);
     }
 }
-BENCHMARK(BM_from_chars_i32);
+BENCHMARK(BM_from_chars_i32)->Name("chartoi4/peer");
 
 void BM_comn_chartoflt8(benchmark::State &state)
 {
@@ -87,7 +89,7 @@ void BM_comn_chartoflt8(benchmark::State &state)
         benchmark::DoNotOptimize(value);
     }
 }
-BENCHMARK(BM_comn_chartoflt8);
+BENCHMARK(BM_comn_chartoflt8)->Name("chartoflt8/lib");
 
 void BM_strtod(benchmark::State &state)
 {
@@ -100,7 +102,7 @@ void BM_strtod(benchmark::State &state)
         benchmark::DoNotOptimize(end);
     }
 }
-BENCHMARK(BM_strtod);
+BENCHMARK(BM_strtod)->Name("chartoflt8/peer");
 
 // The reader the library prefers for plain decimal text.
 void BM_from_chars_f64(benchmark::State &state)
@@ -114,7 +116,7 @@ void BM_from_chars_f64(benchmark::State &state)
         benchmark::DoNotOptimize(value);
     }
 }
-BENCHMARK(BM_from_chars_f64);
+BENCHMARK(BM_from_chars_f64)->Name("chartoflt8_vs_from_chars/peer");
 
 constexpr CS_INT kKiB = 1024;
 
@@ -144,7 +146,7 @@ void BM_comn_bintochar_1KiB(benchmark::State &state)
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * kKiB);
 }
-BENCHMARK(BM_comn_bintochar_1KiB);
+BENCHMARK(BM_comn_bintochar_1KiB)->Name("bintochar_1KiB/lib");
 
 void BM_table_hex_loop_1KiB(benchmark::State &state)
 {
@@ -160,8 +162,8 @@ void BM_table_hex_loop_1KiB(benchmark::State &state)
     }
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * kKiB);
 }
-BENCHMARK(BM_table_hex_loop_1KiB);
+BENCHMARK(BM_table_hex_loop_1KiB)->Name("bintochar_1KiB/peer");
 
 } // namespace
 
-BENCHMARK_MAIN();
+KES_BENCH_MAIN();

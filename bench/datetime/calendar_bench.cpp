@@ -9,6 +9,8 @@
 
 #include "datetime/calendar.h"
 
+#include "support/ratio.h"
+
 namespace {
 
 using namespace std::chrono;
@@ -116,11 +118,11 @@ void BM_BigdatetimeChronoCivil(benchmark::State &state)
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(values.size()));
 }
 
-BENCHMARK(BM_DatetimeCrackMake);
-BENCHMARK(BM_DatetimeChronoCivil);
-BENCHMARK(BM_BigdatetimeCrackMake);
-BENCHMARK(BM_BigdatetimeChronoCivil);
+BENCHMARK(BM_DatetimeCrackMake)->Name("datetime_crack_make/lib");
+BENCHMARK(BM_DatetimeChronoCivil)->Name("datetime_crack_make/peer");
+BENCHMARK(BM_BigdatetimeCrackMake)->Name("bigdatetime_crack_make/lib");
+BENCHMARK(BM_BigdatetimeChronoCivil)->Name("bigdatetime_crack_make/peer");
 
 } // namespace
 
-BENCHMARK_MAIN();
+KES_BENCH_MAIN();

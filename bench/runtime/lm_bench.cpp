@@ -9,6 +9,8 @@
 
 #include "kescomn/lm.h"
 
+#include "support/ratio.h"
+
 namespace {
 
 constexpr int entries = 10000;
@@ -73,10 +75,11 @@ void BM_unordered_map_find(benchmark::State &state)
     state.SetItemsProcessed(state.iterations());
 }
 
-BENCHMARK(BM_lm_chained_find);
-BENCHMARK(BM_lm_open_find);
-BENCHMARK(BM_unordered_map_find);
+BENCHMARK(BM_lm_chained_find)->Name("find_chained/lib");
+BENCHMARK(BM_lm_open_find)->Name("find_open/lib");
+BENCHMARK(BM_unordered_map_find)->Name("find_chained/peer");
+BENCHMARK(BM_unordered_map_find)->Name("find_open/peer");
 
 } // namespace
 
-BENCHMARK_MAIN();
+KES_BENCH_MAIN();

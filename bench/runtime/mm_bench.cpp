@@ -9,6 +9,8 @@
 
 #include "kescomn.h"
 
+#include "support/ratio.h"
+
 namespace {
 
 constexpr CS_UINT kSmall = 32;
@@ -87,15 +89,17 @@ void BM_Single_Uniform(benchmark::State &state) { pool_single(state, MM_UNIFORM)
 void BM_Batch_Buddy(benchmark::State &state) { pool_batch(state, MM_BUDDY); }
 void BM_Batch_Uniform(benchmark::State &state) { pool_batch(state, MM_UNIFORM); }
 
-BENCHMARK(BM_Single_Buddy);
-BENCHMARK(BM_Single_Uniform);
-BENCHMARK_TEMPLATE(libc_single, plain_malloc)->Name("BM_Single_Malloc");
-BENCHMARK_TEMPLATE(libc_single, zeroed_calloc)->Name("BM_Single_Calloc");
-BENCHMARK(BM_Batch_Buddy);
-BENCHMARK(BM_Batch_Uniform);
-BENCHMARK_TEMPLATE(libc_batch, plain_malloc)->Name("BM_Batch_Malloc");
-BENCHMARK_TEMPLATE(libc_batch, zeroed_calloc)->Name("BM_Batch_Calloc");
+BENCHMARK(BM_Single_Buddy)->Name("single_buddy/lib");
+BENCHMARK(BM_Single_Uniform)->Name("single_uniform/lib");
+BENCHMARK_TEMPLATE(libc_single, plain_malloc)->Name("single_buddy/peer");
+BENCHMARK_TEMPLATE(libc_single, plain_malloc)->Name("single_uniform/peer");
+BENCHMARK_TEMPLATE(libc_single, zeroed_calloc)->Name("single_calloc");
+BENCHMARK(BM_Batch_Buddy)->Name("batch_buddy/lib");
+BENCHMARK(BM_Batch_Uniform)->Name("batch_uniform/lib");
+BENCHMARK_TEMPLATE(libc_batch, plain_malloc)->Name("batch_buddy/peer");
+BENCHMARK_TEMPLATE(libc_batch, plain_malloc)->Name("batch_uniform/peer");
+BENCHMARK_TEMPLATE(libc_batch, zeroed_calloc)->Name("batch_calloc");
 
 } // namespace
 
-BENCHMARK_MAIN();
+KES_BENCH_MAIN();
