@@ -1,6 +1,6 @@
-// Reference arithmetic for the numeric conversion tests: values as GMP
-// integers at a scale, their canonical text, and the byte form of a record,
-// all made without the library.
+// Reference arithmetic for the numeric conversion tests, made without the
+// library: GMP integers read as unscaled values, their fixed text and the
+// byte form of a record.
 #ifndef KESCOMN_TESTS_NUMERIC_NUMCONV_REF_H
 #define KESCOMN_TESTS_NUMERIC_NUMCONV_REF_H
 
@@ -20,92 +20,78 @@ struct Z {
     mpz_t v;
     Z() { mpz_init(v); }
     explicit Z(const std::string &dec) { mpz_init_set_str(v, dec.c_str(), 10); }
-    ~Z() { mpz_clear(v); }
     Z(const Z &o) { mpz_init_set(v, o.v); }
-    Z &operator=(const Z &o)
-    {
-        mpz_set(v, o.v);
-        return *this;
-    }
+    Z &operator=(const Z &o) = delete;
+    ~Z() { mpz_clear(v); }
     operator mpz_ptr() { return v; }
     operator mpz_srcptr() const { return v; }
     std::string str() const
     {
         std::vector<char> buf(mpz_sizeinbase(v, 10) + 2);
-        mpz_get_str(buf.data(), 10, v);
-        return buf.data();
+        return mpz_get_str(buf.data(), 10, v);
     }
 };
 
 inline int sgn(const Z &z) { return mpz_sgn(z.v); }
 
-inline bool sanitized()
+inline Z ten_to(int k)
 {
-#if defined(__SANITIZE_ADDRESS__)
-    return true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(undefined_behavior_sanitizer)
-    return true;
-#endif
-#endif
-    return false;
+    Z p;
+    mpz_ui_pow_ui(p, 10, static_cast<unsigned long>(k));
+    return p;
 }
 
-// Cases of a randomised run: 100000, fewer under sanitizers, or the
-// environment's KES_NUMCONV_CASES.
+// Cases of a randomised run: KES_NUMCONV_CASES, else 100000 (5000 under
+// the address sanitizer).
 inline long cases()
 {
     if (const char *s = std::getenv("KES_NUMCONV_CASES"))
         return std::strtol(s, nullptr, 10);
-    return sanitized() ? 5000 : 100000;
+#if defined(__SANITIZE_ADDRESS__)
+    return 5000;
+#else
+    return 100000;
+#endif
 }
 
-// Bytes of a value of precision p: the bytes of 10^p - 1, plus the sign.
+// Bytes of a value of precision p: those of 10^p - 1, plus the sign byte.
 inline int len_of(int p)
 {
-    Z v;
-    mpz_ui_pow_ui(v, 10, static_cast<unsigned long>(p));
+    Z v = ten_to(p);
     mpz_sub_ui(v, v, 1);
     return static_cast<int>(mpz_sizeinbase(v, 256)) + 1;
 }
 
-// A signed integer of up to `digits` decimal digits, lengths spread evenly.
+// A signed integer of 0..digits decimal digits, lengths spread evenly.
 inline Z random_value(std::mt19937_64 &rng, int digits)
 {
-    const int n = std::uniform_int_distribution<int>(0, digits)(rng);
-    std::string s = "0";
-    for (int i = 0; i < n; ++i)
+    std::string s = (rng() & 1) ? "-0" : "0";
+    for (int n = std::uniform_int_distribution<int>(0, digits)(rng); n > 0; --n)
         s += static_cast<char>('0' + rng() % 10);
-    Z z(s);
-    if (rng() & 1)
-        mpz_neg(z, z);
-    return z;
+    return Z(s);
 }
 
-// The library's fixed text of unscaled value u at scale s: "-", integer
-// digits (at least one), "." and s decimals; zero has no sign.
+// Fixed text of u at scale s: "-" (not for zero), at least one integer
+// digit, and "." with s decimals when s > 0.
 inline std::string fixed_text(const Z &u, int s)
 {
     Z a;
     mpz_abs(a, u);
     std::string d = a.str();
     if (static_cast<int>(d.size()) <= s)
-        d.insert(0, static_cast<size_t>(s + 1 - static_cast<int>(d.size())), '0');
+        d.insert(0, static_cast<size_t>(s + 1) - d.size(), '0');
     if (s > 0)
         d.insert(d.size() - static_cast<size_t>(s), ".");
     return (sgn(u) < 0 ? "-" : "") + d;
 }
 
-// The record bytes of u: sign byte and big-endian magnitude in len bytes;
-// false when it does not fit.
+// Record bytes of u in len bytes: sign byte, big-endian magnitude.
 inline bool record_bytes(const Z &u, int len, CS_BYTE *out)
 {
     std::memset(out, 0, static_cast<size_t>(len));
-    Z a;
-    mpz_abs(a, u);
-    size_t n = 0;
     CS_BYTE tmp[80];
-    mpz_export(tmp, &n, 1, 1, 1, 0, a);
+    size_t n = 0;
+    mpz_export(tmp, &n, 1, 1, 1, 0, u.v); // magnitude only
     if (static_cast<int>(n) > len - 1)
         return false;
     std::memcpy(out + len - n, tmp, n);
@@ -113,7 +99,19 @@ inline bool record_bytes(const Z &u, int len, CS_BYTE *out)
     return true;
 }
 
-// The value of record bytes, sign honoured.
+// An integer destination of the given type read back, widened.
+inline long long int_at(int type, const CS_BYTE *b)
+{
+    switch (type) {
+    case CS_TINYINT_TYPE: return b[0];
+    case CS_SMALLINT_TYPE: { CS_SMALLINT v; std::memcpy(&v, b, 2); return v; }
+    case CS_USMALLINT_TYPE: { CS_USMALLINT v; std::memcpy(&v, b, 2); return v; }
+    case CS_INT_TYPE: { CS_INT v; std::memcpy(&v, b, 4); return v; }
+    case CS_UINT_TYPE: { CS_UINT v; std::memcpy(&v, b, 4); return v; }
+    default: { long long v; std::memcpy(&v, b, 8); return v; }
+    }
+}
+
 inline Z from_bytes(const CS_BYTE *p, int len)
 {
     Z z;
@@ -124,33 +122,24 @@ inline Z from_bytes(const CS_BYTE *p, int len)
     return z;
 }
 
-// u / 10^k rounded half away from zero (k > 0), or u * 10^-k.
+// u / 10^k rounded half away from zero when k > 0, else u * 10^-k.
 inline Z shift_round(const Z &u, int k)
 {
-    Z r, p;
+    Z q, rem, p = ten_to(k > 0 ? k : -k);
     if (k <= 0) {
-        mpz_ui_pow_ui(p, 10, static_cast<unsigned long>(-k));
-        mpz_mul(r, u, p);
-        return r;
+        mpz_mul(q, u, p);
+        return q;
     }
-    mpz_ui_pow_ui(p, 10, static_cast<unsigned long>(k));
-    Z q, rem, twice;
     mpz_tdiv_qr(q, rem, u, p);
     mpz_abs(rem, rem);
-    mpz_mul_ui(twice, rem, 2);
-    if (mpz_cmp(twice, p) >= 0)
+    mpz_mul_ui(rem, rem, 2);
+    if (mpz_cmp(rem, p) >= 0)
         sgn(u) < 0 ? mpz_sub_ui(q, q, 1) : mpz_add_ui(q, q, 1);
     return q;
 }
 
-// Digits of |u| exceed p.
-inline bool exceeds(const Z &u, int p)
-{
-    Z a, lim;
-    mpz_abs(a, u);
-    mpz_ui_pow_ui(lim, 10, static_cast<unsigned long>(p));
-    return mpz_cmp(a, lim) >= 0;
-}
+// |u| has more than p digits.
+inline bool exceeds(const Z &u, int p) { return mpz_cmpabs(u.v, ten_to(p).v) >= 0; }
 
 } // namespace kes::test::ref
 
