@@ -14,6 +14,7 @@
 #include "kescomn/conv_scan.h"
 #include "kescomn/conv_bin.h"
 #include "kescomn/conv_float.h"
+#include "kescomn/conv_legacy.h"
 #include "kescomn/numeric.h"
 #include "kescomn/money.h"
 #include "kescomn/numconv.h"

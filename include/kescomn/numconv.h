@@ -135,6 +135,21 @@ KES_LEGACY_FROM_NUM(flt4);
 KES_LEGACY_FROM_NUM(flt8);
 KES_LEGACY_FROM_NUM(mny4);
 KES_LEGACY_FROM_NUM(money);
+/* The value's text (as comn_numtochar: "-", integer digits, exactly scale
+   decimals), returning its length or -1 when it does not fit.  char: room
+   destlen (-1 unbounded), blank fill to destlen.  string: room destlen (0
+   unbounded), blank fill to destlen - 1 and a NUL in the last byte.
+   ntbstring: the same room, a NUL right behind the text (-1 when the NUL
+   has no room).  varychar: a 16-bit length, then the text in destlen bytes
+   (-1 unbounded); on failure the length field holds 1. */
+KES_LEGACY_FROM_NUM(char);
+KES_LEGACY_FROM_NUM(string);
+KES_LEGACY_FROM_NUM(ntbstring);
+KES_LEGACY_FROM_NUM(varychar);
+/* The 33 bytes of array, unchecked, through com_anytobinary and
+   com_anytovarybin. */
+KES_LEGACY_FROM_NUM(bin);
+KES_LEGACY_FROM_NUM(varybin);
 KES_LEGACY_TO_NUM(num);
 KES_LEGACY_TO_NUM(bit);
 KES_LEGACY_TO_NUM(i1);

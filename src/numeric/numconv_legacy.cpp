@@ -4,7 +4,9 @@
 #include <cstring>
 
 #include "conv/char_scan.h"
+#include "conv/legacy_fill.h"
 #include "errors/assert.h"
+#include "kescomn/conv_legacy.h"
 #include "kescomn/numconv.h"
 #include "kescomn/numeric.h"
 #include "numeric/exctnume.h"
@@ -63,6 +65,15 @@ CS_INT bytes_to_num(const CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT pre
     return kNumLen;
 }
 
+// The value's text through comn_numtochar with room for maxlength bytes:
+// its length, or the legacy code of the failure.
+CS_INT num_text(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT maxlength)
+{
+    return call(comn_numtochar, src, CS_NUMERIC_TYPE, srclen, dest, CS_CHAR_TYPE, maxlength);
+}
+
+constexpr CS_INT kNoLimit = 0x7FFFFFFF;
+
 CS_SMALLINT prefix_length(const CS_BYTE *src)
 {
     CS_SMALLINT n;
@@ -88,6 +99,59 @@ KES_LEGACY_FROM_NUM(flt8, CS_FLOAT_TYPE)
 KES_LEGACY_FROM_NUM(mny4, CS_MONEY4_TYPE)
 KES_LEGACY_FROM_NUM(money, CS_MONEY_TYPE)
 #undef KES_LEGACY_FROM_NUM
+
+CS_INT com_numtochar(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+{
+    const CS_INT n = num_text(src, srclen, dest, destlen == -1 ? kNoLimit : destlen);
+    if (n > 0)
+        com__padchar(dest, destlen, n);
+    return n;
+}
+
+// The string forms take 0, not -1, as the unbounded destlen.
+CS_INT com_numtostring(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+{
+    const CS_INT n = num_text(src, srclen, dest, destlen == 0 ? kNoLimit : destlen);
+    if (n > 0)
+        com__padstring(dest, destlen, n);
+    return n;
+}
+
+CS_INT com_numtontbstring(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+{
+    const CS_INT n = num_text(src, srclen, dest, destlen == 0 ? kNoLimit : destlen);
+    if (n <= 0)
+        return n;
+    if (destlen > 0 && n >= destlen)
+        return -1; // the NUL would land one past the buffer
+    com__padntbstring(dest, n);
+    return n;
+}
+
+CS_INT com_numtovarychar(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+{
+    if (src == nullptr || srclen == 0)
+        return 0;
+    KES_NOT_NULL(dest);
+    const CS_INT n = num_text(src, srclen, dest + sizeof(CS_SMALLINT), destlen == -1 ? kNoLimit : destlen);
+    const auto stored = static_cast<CS_SMALLINT>(n > 0 ? n : 1);
+    std::memcpy(dest, &stored, sizeof stored);
+    return n;
+}
+
+CS_INT com_numtobin(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+{
+    if (src == nullptr || srclen == 0)
+        return 0;
+    return com_anytobinary(reinterpret_cast<CS_NUMERIC *>(src)->array, CS_MAX_NUMLEN, dest, destlen);
+}
+
+CS_INT com_numtovarybin(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen)
+{
+    if (src == nullptr || srclen == 0)
+        return 0;
+    return com_anytovarybin(reinterpret_cast<CS_NUMERIC *>(src)->array, CS_MAX_NUMLEN, dest, destlen);
+}
 
 #define KES_LEGACY_TO_NUM(s, type)                                                             \
     CS_INT com_##s##tonum(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen, CS_INT precision, \
