@@ -1,6 +1,6 @@
 // Reference arithmetic for the numeric conversion tests, made without the
 // library: GMP integers read as unscaled values, their fixed text and the
-// byte form of a record.
+// byte forms of a record and of the integer types.
 #ifndef KESCOMN_TESTS_NUMERIC_NUMCONV_REF_H
 #define KESCOMN_TESTS_NUMERIC_NUMCONV_REF_H
 
@@ -21,7 +21,7 @@ struct Z {
     Z() { mpz_init(v); }
     explicit Z(const std::string &dec) { mpz_init_set_str(v, dec.c_str(), 10); }
     Z(const Z &o) { mpz_init_set(v, o.v); }
-    Z &operator=(const Z &o) = delete;
+    Z &operator=(const Z &) = delete;
     ~Z() { mpz_clear(v); }
     operator mpz_ptr() { return v; }
     operator mpz_srcptr() const { return v; }
@@ -45,12 +45,11 @@ inline Z ten_to(int k)
 // the address sanitizer).
 inline long cases()
 {
-    if (const char *s = std::getenv("KES_NUMCONV_CASES"))
-        return std::strtol(s, nullptr, 10);
+    const char *s = std::getenv("KES_NUMCONV_CASES");
 #if defined(__SANITIZE_ADDRESS__)
-    return 5000;
+    return s ? std::strtol(s, nullptr, 10) : 5000;
 #else
-    return 100000;
+    return s ? std::strtol(s, nullptr, 10) : 100000;
 #endif
 }
 
@@ -75,9 +74,9 @@ inline Z random_value(std::mt19937_64 &rng, int digits)
 // digit, and "." with s decimals when s > 0.
 inline std::string fixed_text(const Z &u, int s)
 {
-    Z a;
-    mpz_abs(a, u);
-    std::string d = a.str();
+    std::string d = u.str();
+    if (d[0] == '-')
+        d.erase(0, 1);
     if (static_cast<int>(d.size()) <= s)
         d.insert(0, static_cast<size_t>(s + 1) - d.size(), '0');
     if (s > 0)
@@ -91,7 +90,7 @@ inline bool record_bytes(const Z &u, int len, CS_BYTE *out)
     std::memset(out, 0, static_cast<size_t>(len));
     CS_BYTE tmp[80];
     size_t n = 0;
-    mpz_export(tmp, &n, 1, 1, 1, 0, u.v); // magnitude only
+    mpz_export(tmp, &n, 1, 1, 1, 0, u.v); // the magnitude only
     if (static_cast<int>(n) > len - 1)
         return false;
     std::memcpy(out + len - n, tmp, n);
@@ -99,25 +98,11 @@ inline bool record_bytes(const Z &u, int len, CS_BYTE *out)
     return true;
 }
 
-// An integer destination of the given type read back, widened.
-inline long long int_at(int type, const CS_BYTE *b)
-{
-    switch (type) {
-    case CS_TINYINT_TYPE: return b[0];
-    case CS_SMALLINT_TYPE: { CS_SMALLINT v; std::memcpy(&v, b, 2); return v; }
-    case CS_USMALLINT_TYPE: { CS_USMALLINT v; std::memcpy(&v, b, 2); return v; }
-    case CS_INT_TYPE: { CS_INT v; std::memcpy(&v, b, 4); return v; }
-    case CS_UINT_TYPE: { CS_UINT v; std::memcpy(&v, b, 4); return v; }
-    default: { long long v; std::memcpy(&v, b, 8); return v; }
-    }
-}
-
 inline Z from_bytes(const CS_BYTE *p, int len)
 {
     Z z;
-    if (len > 1)
-        mpz_import(z, static_cast<size_t>(len - 1), 1, 1, 1, 0, p + 1);
-    if (len > 0 && p[0] != 0)
+    mpz_import(z, static_cast<size_t>(len - 1), 1, 1, 1, 0, p + 1);
+    if (p[0] != 0)
         mpz_neg(z, z);
     return z;
 }
@@ -140,6 +125,19 @@ inline Z shift_round(const Z &u, int k)
 
 // |u| has more than p digits.
 inline bool exceeds(const Z &u, int p) { return mpz_cmpabs(u.v, ten_to(p).v) >= 0; }
+
+// An integer destination of the given type, widened.
+inline long long int_at(int type, const CS_BYTE *b)
+{
+    switch (type) {
+    case CS_TINYINT_TYPE: return b[0];
+    case CS_SMALLINT_TYPE: { CS_SMALLINT v; std::memcpy(&v, b, 2); return v; }
+    case CS_USMALLINT_TYPE: { CS_USMALLINT v; std::memcpy(&v, b, 2); return v; }
+    case CS_INT_TYPE: { CS_INT v; std::memcpy(&v, b, 4); return v; }
+    case CS_UINT_TYPE: { CS_UINT v; std::memcpy(&v, b, 4); return v; }
+    default: { long long v; std::memcpy(&v, b, 8); return v; }
+    }
+}
 
 } // namespace kes::test::ref
 

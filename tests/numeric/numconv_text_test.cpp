@@ -17,7 +17,7 @@ using namespace kes::test::ref;
 
 struct Read {
     int status, prec, scale, len;
-    std::string text; // the value written back, when status is 0
+    std::string text; // written back when status is 0
 };
 
 std::string write_back(CS_BYTE *v, int len, int prec, int scale)
@@ -59,56 +59,24 @@ Read read(const std::string &text, int prec, int scale, int tolerant)
 TEST(NumTextRead, GrammarExponentsAndToleranceTable)
 {
     const std::string n77(77, '9'), n78(78, '9'), n80(80, '7');
-    const struct {
-        std::string text;
-        int prec, scale, tolerant, status;
-        const char *out;
-    } cases[] = {
+    const struct { std::string text; int prec, scale, tolerant, status; const char *out; } cases[] = {
         {" - 12.5  ", 5, 1, 0, 0, "-12.5"}, // blanks around and after the sign
-        {"+-1", 5, 0, 0, 2, ""},
-        {"1 2", 5, 0, 0, 2, ""},
-        {"1. ", 5, 0, 0, 0, "1"},
-        {"1..2", 5, 1, 0, 2, ""},
-        {"1x", 5, 0, 0, 2, ""},
-        {"-0.00", 5, 2, 0, 0, "0.00"},
-        {"", 5, 2, 0, 0, "0.00"},
-        {"99999", 5, 0, 0, 0, "99999"},
-        {"100000", 5, 0, 0, 1, ""},
-        {"12", 3, 2, 0, 1, ""},
+        {"+-1", 5, 0, 0, 2, ""},       {"1 2", 5, 0, 0, 2, ""},       {"1..2", 5, 1, 0, 2, ""},
+        {"1x", 5, 0, 0, 2, ""},        {"1. ", 5, 0, 0, 0, "1"},      {"-0.00", 5, 2, 0, 0, "0.00"},
+        {"", 5, 2, 0, 0, "0.00"},      {"99999", 5, 0, 0, 0, "99999"}, {"100000", 5, 0, 0, 1, ""},
         // Extra decimals: strict refuses, tolerant rounds half away from zero
         // and ignores anything after the dropped digits.
-        {"12.345", 5, 2, 0, 6, ""},
-        {"12.345", 5, 2, 1, 0, "12.35"},
-        {"-12.345", 5, 2, 1, 0, "-12.35"},
-        {"12.344x", 5, 2, 1, 0, "12.34"},
-        {"12.3x", 5, 2, 1, 2, ""},
-        {"999.995", 5, 2, 1, 1, ""},
-        {"-0.4", 1, 0, 1, 0, "0"},
-        {"-0.5", 1, 0, 1, 0, "-1"},
+        {"12.345", 5, 2, 0, 6, ""},    {"12.345", 5, 2, 1, 0, "12.35"}, {"12.344x", 5, 2, 1, 0, "12.34"},
+        {"12.3x", 5, 2, 1, 2, ""},     {"999.995", 5, 2, 1, 1, ""},     {"-0.5", 1, 0, 1, 0, "-1"},
         // Exponents: an empty one is zero; a trailing blank needs two digits.
-        {"1.5E1", 5, 0, 0, 0, "15"},
-        {"15e-1", 5, 1, 0, 0, "1.5"},
-        {"1.5e-1", 5, 1, 0, 6, ""},
-        {"1.5e-1", 5, 1, 1, 0, "0.2"},
-        {"1e", 5, 0, 0, 0, "1"},
-        {"1e+", 5, 0, 0, 0, "1"},
-        {"1e5", 6, 0, 0, 0, "100000"},
-        {"1e5 ", 6, 0, 0, 2, ""},
-        {"1e05 ", 6, 0, 0, 0, "100000"},
-        {"1e+5 ", 6, 0, 0, 2, ""},
-        {"1e+05 ", 6, 0, 0, 0, "100000"},
-        {"1e+05 x", 6, 0, 0, 2, ""},
-        {"1e5x", 6, 0, 0, 2, ""},
-        {"1ex", 6, 0, 0, 2, ""},
-        {"1e-5", 5, 0, 1, 0, "0"},
-        {"9.99e-5", 5, 4, 1, 0, "0.0001"},
-        {"1e6", 6, 0, 0, 1, ""},
+        {"1.5E1", 5, 0, 0, 0, "15"},   {"15e-1", 5, 1, 0, 0, "1.5"},    {"1.5e-1", 5, 1, 0, 6, ""},
+        {"1.5e-1", 5, 1, 1, 0, "0.2"}, {"1e", 5, 0, 0, 0, "1"},         {"1e+", 5, 0, 0, 0, "1"},
+        {"1e5", 6, 0, 0, 0, "100000"}, {"1e5 ", 6, 0, 0, 2, ""},        {"1e05 ", 6, 0, 0, 0, "100000"},
+        {"1e+05 x", 6, 0, 0, 2, ""},   {"1e5x", 6, 0, 0, 2, ""},        {"1ex", 6, 0, 0, 2, ""},
+        {"1e-5", 5, 0, 1, 0, "0"},     {"9.99e-5", 5, 4, 1, 0, "0.0001"}, {"1e6", 6, 0, 0, 1, ""},
         {"1e100", 6, 0, 0, 2, ""},
         // Capacity: 77 digits fit; 80 are refused even when they could round.
-        {n77, 77, 0, 0, 0, n77.c_str()},
-        {n80, 77, 0, 0, 6, ""},
-        {n80, 77, 0, 1, 1, ""},
-        {n78, 0, 255, 1, 1, ""},
+        {n77, 77, 0, 0, 0, n77.c_str()}, {n80, 77, 0, 0, 6, ""}, {n80, 77, 0, 1, 1, ""}, {n78, 0, 255, 1, 1, ""},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE('"' + c.text + "\" p" + std::to_string(c.prec) + " s" + std::to_string(c.scale));
@@ -122,10 +90,7 @@ TEST(NumTextRead, GrammarExponentsAndToleranceTable)
 
 TEST(NumTextRead, DerivedPrecisionScaleAndLength)
 {
-    const struct {
-        const char *text;
-        int prec, scale;
-    } cases[] = {{"00123.45", 5, 2}, {"0.05", 3, 2}, {"", 1, 0}, {"-7.250", 4, 3}, {"1.5e-3", 2, 1}};
+    const struct { const char *text; int prec, scale; } cases[] = {{"00123.45", 5, 2}, {"0.05", 3, 2}, {"", 1, 0}, {"-7.250", 4, 3}, {"1.5e-3", 2, 1}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
         const Read r = read(c.text, 0, 255, 0);
@@ -171,24 +136,14 @@ TEST(NumTextWrite, ExactRoomOnePastAndOneShort)
 
 TEST(Kesatoll, SignsLimitsAndErrno)
 {
-    const struct {
-        const char *s;
-        bool is_unsigned;
-        unsigned long long v;
-        int err;
-    } cases[] = {
-        {"-123.9", false, static_cast<unsigned long long>(-123), 0},
+    const struct { const char *s; bool is_unsigned; unsigned long long v; int err; } cases[] = {
+        {"-123.9", false, static_cast<unsigned long long>(-123), 0}, {"-", false, 0, EINVAL},
         {"-+5", false, 5, 0}, // the plus makes it positive again
-        {"-", false, 0, EINVAL},
-        {"9223372036854775807", false, INT64_MAX, 0},
-        {"9223372036854775808", false, INT64_MAX, ERANGE},
+        {"9223372036854775807", false, INT64_MAX, 0}, {"9223372036854775808", false, INT64_MAX, ERANGE},
         {"-9223372036854775808", false, static_cast<unsigned long long>(INT64_MIN), 0},
         {"-9223372036854775809", false, static_cast<unsigned long long>(INT64_MIN), ERANGE},
-        {"18446744073709551615", true, UINT64_MAX, 0},
-        {"18446744073709551616", true, UINT64_MAX, ERANGE},
-        {"-0", true, 0, ERANGE},
-        {"+", true, 0, EINVAL},
-    };
+        {"18446744073709551615", true, UINT64_MAX, 0}, {"18446744073709551616", true, UINT64_MAX, ERANGE},
+        {"-0", true, 0, ERANGE}, {"+", true, 0, EINVAL}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.s);
         std::string s = c.s;
