@@ -191,9 +191,8 @@ TEST(MoneyToInt, RandomAgainstWideArithmetic)
     Context ctx;
     CAST_CONTEXT cast{};
     std::mt19937_64 rng(99);
-    const char *env = std::getenv("KES_NUMCONV_CASES");
     CS_DATAFMT sf = fmt(CS_MONEY_TYPE, 8);
-    for (long i = 0, n = env ? std::strtol(env, nullptr, 10) : 100000; i < n; ++i) {
+    for (long i = 0, n = kes::test::ref::cases(); i < n; ++i) {
         const long long units = static_cast<long long>(rng()) >> std::uniform_int_distribution<int>(0, 63)(rng);
         __int128 q = units / 10000, r = units % 10000;
         q += r >= 5000 ? 1 : r <= -5000 ? -1 : 0;
