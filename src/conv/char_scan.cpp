@@ -2,6 +2,7 @@
 // (comnb_) layers, and the scanners they share.  One generic body per
 // destination kind; the extern "C" members at the bottom are stamped out.
 #include "conv/char_scan.h"
+#include "conv/conv_common.h"
 
 #include <langinfo.h>
 
@@ -365,11 +366,7 @@ template <class S, class D>
 CS_RETCODE comn_scan(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                      CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(S::admits(srcfmt->datatype));
     KES_ASSERT(D::admits(destfmt->datatype));
     const SourceText t = S::text(srcfmt, src);
@@ -431,11 +428,7 @@ template <class S>
 CS_RETCODE comn_hex_to_bin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                            CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(S::admits(srcfmt->datatype));
     KES_ASSERT(is_binary_family(destfmt->datatype));
     SourceText t = S::text(srcfmt, src);
@@ -465,11 +458,7 @@ template <class S>
 CS_RETCODE comn_hex_to_varbin(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, CS_DATAFMT *destfmt,
                               CS_VOID *dest, CS_INT *destlen)
 {
-    KES_NOT_NULL(srcfmt);
-    KES_NOT_NULL(src);
-    KES_NOT_NULL(destfmt);
-    KES_NOT_NULL(dest);
-    KES_NOT_NULL(destlen);
+    KES_CHECK_COMN_ARGS();
     KES_ASSERT(S::admits(srcfmt->datatype));
     KES_ASSERT(destfmt->datatype == CS_VARBINARY_TYPE);
     constexpr bool from_text = std::is_same_v<S, from_char>;

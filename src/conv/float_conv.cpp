@@ -215,10 +215,8 @@ CS_RETCODE comn_convert(CS_CONTEXT *context, CS_DATAFMT *srcfmt, CS_VOID *src, C
         return float_to_money<S, D>(v, dest) < 0 ? KES_TRACE(CS_EOVERFLOW) : CS_SUCCEED;
     } else if constexpr (std::is_same_v<D, tok_char>) {
         KES_ASSERT(destfmt->maxlength >= 0);
-        {
-            const FloatText t = format_float(v);
-            return comn_number_text_out(t.buf, t.len, destfmt, dest, destlen);
-        }
+        const FloatText t = format_float(v);
+        return comn_number_text_out(t.buf, t.len, destfmt, dest, destlen);
     } else if constexpr (std::is_same_v<D, tok_varchar>) {
         const FloatText t = format_float(v);
         auto *vc = static_cast<CS_VARCHAR *>(dest);
