@@ -85,12 +85,6 @@ TEST_F(DebugStream, SmallFormatter)
                          "illegal format specification\n then 5\n");
 }
 
-TEST_F(DebugStream, PrintFlushesToTheStream)
-{
-    EXPECT_EQ(comn_debug_print("%s=%d", "x", 3), 1);
-    EXPECT_EQ(written(), "x=3");
-}
-
 TEST(Debug, ErrorNamesAreTheSeventeenOfTheTable)
 {
     EXPECT_STREQ(com__errfind(CS_PASSTHRU_MORE), "CS_PASSTHRU_MORE");
@@ -128,11 +122,6 @@ TEST(Debug, SetFileOpensAndCloses)
     EXPECT_STREQ(line, "hello");
     EXPECT_EQ(comn_debug_setfile(nullptr, "/nonexistent-dir/x/y", 5), CS_FAIL);
     EXPECT_EQ(Com_fp, nullptr);
-}
-
-TEST(Debug, StackWalkIsNotAvailable)
-{
-    EXPECT_EQ(comn_dbg_stack(nullptr, nullptr, 3, nullptr), CS_FAIL);
 }
 
 TEST(Debug, VersionAndBanner)
