@@ -134,8 +134,8 @@ int div_core(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *quot, __C
 
     if (is_zero(&den))
         return kDivZero;
-    // The same quotient and remainder as com__exctnume_intdiv, on 32-bit
-    // digits: a quarter of the digit steps, each as cheap.
+    // The same quotient and remainder as com__exctnume_intdiv, on 64-bit
+    // digits: an eighth of the digits, each step one hardware operation.
     CS_BYTE qbytes[limbs::kWideBytes + 1], rbytes[limbs::kWideBytes + 1];
     __CONSTANT q{}, r{};
     limbs::divide(&num, &den, qbytes, rbytes, &q, &r);

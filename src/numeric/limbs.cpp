@@ -1,4 +1,4 @@
-// Magnitude arithmetic on 64-bit limbs, and division on 32-bit digits.
+// Magnitude arithmetic on 64-bit limbs, and division on 64-bit digits.
 #include "numeric/limbs.h"
 
 #include <algorithm>
@@ -94,20 +94,14 @@ int reach(const __CONSTANT *result) { return result->len > 1 ? result->len - 1 :
 
 CS_BYTE *mag_start(__CONSTANT *result) { return result->len > 1 ? result->value + 1 : result->value; }
 
-// 32-bit digits, most significant first, of a run; leading zero digits dropped.
-int to_digits(Run r, uint32_t *d)
+// 64-bit digits, most significant first, of a run; leading zero digits dropped.
+int to_digits(Run r, uint64_t *d)
 {
-    const int n = (r.n + 3) / 4;
-    const int top = r.n - 4 * (n - 1); // bytes in the first digit, 1 to 4
+    const int n = (r.n + 7) / 8;
+    const int top = r.n - 8 * (n - 1); // bytes in the first digit, 1 to 8
     int k = 0;
     for (int i = 0; i < n; ++i) {
-        uint32_t v;
-        if (i == 0) {
-            v = static_cast<uint32_t>(be_partial(r.p, top));
-        } else {
-            std::memcpy(&v, r.p + top + 4 * (i - 1), 4);
-            v = __builtin_bswap32(v);
-        }
+        const uint64_t v = i == 0 ? be_partial(r.p, top) : be64(r.p + top + 8 * (i - 1));
         if (k > 0 || v != 0)
             d[k++] = v;
     }
@@ -116,20 +110,20 @@ int to_digits(Run r, uint32_t *d)
 
 // Digits back to big-endian bytes at the end of buf (kWideBytes + 1 bytes),
 // behind a zero sign byte; value gets the run, len 0 when it is zero.
-void from_digits(const uint32_t *d, int n, CS_BYTE *buf, __CONSTANT *value)
+void from_digits(const uint64_t *d, int n, CS_BYTE *buf, __CONSTANT *value)
 {
     while (n > 0 && d[0] == 0) {
         ++d;
         --n;
     }
-    CS_BYTE *start = buf + kWideBytes - 4 * n;
+    CS_BYTE *start = buf + kWideBytes - 8 * n;
     for (int i = 0; i < n; ++i) {
-        const uint32_t v = __builtin_bswap32(d[i]);
-        std::memcpy(start + 1 + 4 * i, &v, 4);
+        const uint64_t v = __builtin_bswap64(d[i]);
+        std::memcpy(start + 1 + 8 * i, &v, 8);
     }
     start[0] = 0;
     value->value = start;
-    value->len = n == 0 ? 0 : 4 * n + 1;
+    value->len = n == 0 ? 0 : 8 * n + 1;
     value->maxlen = value->len;
 }
 
@@ -188,7 +182,7 @@ int mul(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result)
 void divide(const __CONSTANT *num, const __CONSTANT *den, CS_BYTE *qbuf, CS_BYTE *rbuf, __CONSTANT *q,
             __CONSTANT *r)
 {
-    uint32_t u[kWideBytes / 4 + 1], v[kWideBytes / 4]{};
+    uint64_t u[kLimbs + 1], v[kLimbs]{};
     const int n = to_digits(run(num), u + 1);
     const int m = to_digits(run(den), v);
     u[0] = 0;
@@ -200,11 +194,10 @@ void divide(const __CONSTANT *num, const __CONSTANT *den, CS_BYTE *qbuf, CS_BYTE
     if (m == 1) {
         uint64_t rem = 0;
         for (int j = 0; j < n; ++j) {
-            const uint64_t cur = (rem << 32) | u[j + 1];
-            u[j] = static_cast<uint32_t>(cur / v[0]);
-            rem = cur % v[0];
+            u[j] = div_2by1(rem, u[j + 1], v[0]);
+            rem = u[j + 1] - u[j] * v[0];
         }
-        u[n] = static_cast<uint32_t>(rem);
+        u[n] = rem;
     } else {
         knuth_d(u, n, v, m);
     }

@@ -2,9 +2,9 @@
 ** Magnitude arithmetic behind the exact numeric kernel.  Values travel as
 ** big-endian base-256 bytes; addition, subtraction and multiplication run on
 ** 64-bit limbs, which gives the results of byte-wise schoolbook arithmetic
-** several times faster.  Division is Knuth's Algorithm D, one body for two
-** digit widths: bytes, where the kernel hands its quotient and remainder
-** back in place, and 32-bit digits for the record operations.
+** several times faster.  Division is Knuth's Algorithm D, one body for
+** every digit width: bytes, where the kernel hands its quotient and remainder
+** back in place, and 64-bit digits for the record operations.
 */
 #ifndef KESCOMN_NUMERIC_LIMBS_H
 #define KESCOMN_NUMERIC_LIMBS_H
@@ -36,6 +36,19 @@ int mul(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result);
 void divide(const __CONSTANT *num, const __CONSTANT *den, CS_BYTE *qbuf, CS_BYTE *rbuf, __CONSTANT *q,
             __CONSTANT *r);
 
+// (hi * 2^64 + lo) / d for hi < d, which a single hardware divide gives
+// without the generic 128-bit division routine.
+inline uint64_t div_2by1(uint64_t hi, uint64_t lo, uint64_t d)
+{
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+    uint64_t q, r;
+    __asm__("divq %4" : "=a"(q), "=d"(r) : "a"(lo), "d"(hi), "rm"(d));
+    return q;
+#else
+    return static_cast<uint64_t>(((static_cast<unsigned __int128>(hi) << 64) | lo) / d);
+#endif
+}
+
 // Knuth's Algorithm D in place on digits, most significant first.  u[0..n]
 // is the dividend with u[0] == 0, v[0..m-1] the divisor with v[0] != 0 and
 // 2 <= m <= n.  The divisor is normalised only virtually: the estimate uses
@@ -44,9 +57,11 @@ void divide(const __CONSTANT *num, const __CONSTANT *den, CS_BYTE *qbuf, CS_BYTE
 // u[n-m+1..n] the remainder.  Returns how often the add-back step ran.
 template <class D> int knuth_d(D *u, int n, const D *v, int m)
 {
-    static_assert(std::is_same_v<D, uint8_t> || std::is_same_v<D, uint32_t>);
-    using W = std::conditional_t<sizeof(D) == 1, uint32_t, uint64_t>; // holds two digits
-    using S = std::make_signed_t<W>;
+    static_assert(std::is_same_v<D, uint8_t> || std::is_same_v<D, uint32_t> || std::is_same_v<D, uint64_t>);
+    // W holds two digits, S a signed digit difference.
+    using W = std::conditional_t<sizeof(D) == 1, uint32_t,
+                                 std::conditional_t<sizeof(D) == 4, uint64_t, unsigned __int128>>;
+    using S = std::conditional_t<sizeof(D) == 1, int32_t, std::conditional_t<sizeof(D) == 4, int64_t, __int128>>;
     constexpr int bits = 8 * sizeof(D);
     constexpr W mask = (W{1} << bits) - 1;
     constexpr W base = W{1} << bits;
@@ -66,7 +81,15 @@ template <class D> int knuth_d(D *u, int n, const D *v, int m)
         const W u1 = norm(u, j + 1, n);
         const W u2 = norm(u, j + 2, n);
         const W top = (u0 << bits) | u1;
-        W qhat = u0 == v1 ? mask : top / v1;
+        // The window stays below base * v, so u0 <= v1; below equality the
+        // trial digit fits one digit and one hardware divide gives it.
+        W qhat;
+        if (u0 >= v1)
+            qhat = mask;
+        else if constexpr (sizeof(D) == 8)
+            qhat = div_2by1(static_cast<uint64_t>(u0), static_cast<uint64_t>(u1), static_cast<uint64_t>(v1));
+        else
+            qhat = top / v1;
         W rhat = top - qhat * v1;
         while (rhat < base && qhat * v2 > ((rhat << bits) | u2)) {
             --qhat;

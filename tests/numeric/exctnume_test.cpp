@@ -211,6 +211,28 @@ TEST(ExctnumeDiv, AddBackOnThirtyTwoBitDigits)
     EXPECT_EQ(rem.str(), "007fffffffffff00020000");
 }
 
+// The same on 64-bit digits, where the trial digit comes from one hardware
+// divide; the byte-wise division must agree.
+TEST(ExctnumeDiv, AddBackOnSixtyFourBitDigits)
+{
+    constexpr uint64_t h = 0x8000000000000000u;
+    uint64_t u[5] = {0, 0x8000, 0x8000, 1, 2};
+    const uint64_t v[3] = {h, h, h};
+    EXPECT_EQ(kes::numeric::limbs::knuth_d(u, 4, v, 3), 1);
+    EXPECT_EQ(u[1], 0xffffu);
+    const std::string num = "00" "0000000000008000" "0000000000008000" "0000000000000001" "0000000000000002";
+    const std::string den = "00" "8000000000000000" "8000000000000000" "8000000000000000";
+    Val a(num), b(den), q(Val::zeros(33)), rem(Val::zeros(25));
+    ASSERT_EQ(com__exctnume_div(&a.c, &b.c, &q.c, &rem.c), 0);
+    Val a2(num), b2(den), qb(Val::zeros(40)), rb(Val::zeros(1));
+    ASSERT_EQ(com__exctnume_intdiv(&a2.c, &b2.c, &qb.c, &rb.c), 0);
+    EXPECT_EQ(hex(qb.c.value + 1, static_cast<size_t>(qb.c.len - 1)), "ffff");
+    EXPECT_EQ(q.str(), "00" + std::string(60, '0') + "ffff");
+    ASSERT_EQ(rem.c.len, 25);
+    EXPECT_EQ(rem.str(), "00" + std::string(2 * 24 - 2 * (rb.c.len - 1), '0') +
+                             hex(rb.c.value + 1, static_cast<size_t>(rb.c.len - 1)));
+}
+
 TEST(ExctnumeDiv, WorkAreaBoundaryAndRemainder)
 {
     // A 33-byte dividend shifted by 70 places: 33 + 31 + 1 bytes of numerator,
