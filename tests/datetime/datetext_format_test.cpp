@@ -118,6 +118,39 @@ TEST(DateFormat, HoursFractionsAndYears)
             << c.year << " " << c.frac << " style " << c.style;
 }
 
+// The style writers fill each field the way com__cpint does at that field's
+// width, also for field values no calendar gives (wide, negative).
+TEST(DateFormat, FieldsMatchTheCopyPrimitive)
+{
+    const auto cp = [](int v, int len) {
+        char b[16];
+        return std::string(b, static_cast<size_t>(com__cpint(b, v, 0, len)));
+    };
+    const auto h12 = [](int h) { return h == 0 ? 12 : (h > 12 ? h - 12 : h); };
+    for (const int v : {0, 1, 9, 10, 12, 13, 23, 99, 100, 105, 999, 1000, 1009, 9999, 10000, 12345, 999499,
+                        999500, 999999, 1000000, 1234567, -1, -499, -500, -1501, -1234567}) {
+        SCOPED_TRACE(testing::Message() << "value " << v);
+        CS_DATEREC r{};
+        r.dateyear = r.datedmonth = r.datehour = r.dateminute = r.datesecond = r.datemsecond = r.datesecfrac = v;
+        r.datemonth = v - 1;
+        const std::string mdy = cp(v, -2) + "/" + cp(v, -2) + "/" + cp(v, -4);
+        const std::string hns = cp(v, -2) + ":" + cp(v, -2) + ":" + cp(v, -2);
+        const std::string ap = v >= 12 ? "PM" : "AM";
+        EXPECT_EQ(daterec(r, 101).text, mdy);
+        EXPECT_EQ(daterec(r, 14).text, cp(v, -2) + "/" + cp(v, -2) + "/" + cp(v, -2));
+        EXPECT_EQ(daterec(r, 121).text, cp(v, -4) + "/" + cp(v, -2) + "/" + cp(v, -2) + " " + hns);
+        EXPECT_EQ(daterec(r, 19).text, cp(h12(v), 2) + ":" + cp(v, -2) + ":" + cp(v, -2) + ":" + cp(v, -3) + ap);
+        EXPECT_EQ(daterec(r, 37).text, hns + "." + cp(v * 1000, -6));
+        r.datesecprec = 1000000;
+        EXPECT_EQ(daterec(r, 20).text, hns + ":" + cp((v + 500) / 1000, -3));
+        EXPECT_EQ(daterec(r, 37).text, hns + "." + cp(v, -6));
+        // The day and the year of a time alone are blank-filled; no month name.
+        r.datemonth = 12;
+        const Out t = run([&](char *b, int n) { return com__timerectochar(&r, b, n, 100, shorts(), 300); });
+        EXPECT_EQ(t.text, " " + cp(v, 2) + " " + cp(v, 4) + " " + cp(h12(v), 2) + ":" + cp(v, -2) + ap);
+    }
+}
+
 TEST(DateFormat, CutAtTheCapacityEdges)
 {
     const CS_DATEREC r = record(2008, 15, 123, 0, 300);
