@@ -369,17 +369,22 @@ int com__exctnume_intsub(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTAN
 
 int com__exctnume_intmul(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *result)
 {
-    const bool z1 = is_zero(op1);
-    if (z1 || is_zero(op2)) {
+    // One scan per operand finds both the zero and the unit operands.
+    const Mag m1 = mag(op1);
+    const Mag m2 = mag(op2);
+    const int f1 = first_nonzero(m1);
+    const int f2 = first_nonzero(m2);
+    if (f1 == m1.n || f2 == m2.n) {
         if (result->len > 0)
             std::memset(result->value, 0, static_cast<size_t>(result->len));
         return kOk;
     }
+    const auto unit = [](Mag m, int first) { return first == m.n - 1 && m.p[first] == 1; };
     const CS_BYTE sign = op1->value[0] == op2->value[0] ? 0 : 1;
     int st;
-    if (com__exctnume_intcmp(op1, 1))
+    if (unit(m1, f1))
         st = com__exctnume_copy(op2, result);
-    else if (com__exctnume_intcmp(op2, 1))
+    else if (unit(m2, f2))
         st = com__exctnume_copy(op1, result);
     else
         st = limbs::mul(op1, op2, result);
