@@ -197,8 +197,8 @@ TEST(ExctnumeIntDiv, AddBackCases)
     }
 }
 
-// The record operations divide on 32-bit digits with the same algorithm; an
-// operand pair on which that width needs the add-back step too.
+// The division template at 32-bit digits, on a pair that needs the add-back
+// step; the record division of the same operands must agree.
 TEST(ExctnumeDiv, AddBackOnThirtyTwoBitDigits)
 {
     uint32_t u[5] = {0, 0x7fff, 0x8000, 0, 0};
