@@ -106,13 +106,17 @@ CS_RETCODE lm__api_dlink_mpool_resize(LM_HANDLE *handle, CS_INT old_size, CS_INT
     return CS_SUCCEED;
 }
 
-CS_RETCODE lm__api_chash_init(LM_HANDLE *handle)
+namespace {
+
+// The header record and the empty slot array both hash kinds start from,
+// sized by the handle's table-size property.
+template <class Info> CS_RETCODE new_hash_info(LM_HANDLE *handle, CS_INT kind, Info **out)
 {
     auto a = allocator_of(handle);
-    CS_INT size = handle->hdlprop->max_tablesize;
-    if (size < kes::lm::min_table_size(LM_LIST_CHASH))
+    const CS_INT size = handle->hdlprop->max_tablesize;
+    if (size < kes::lm::min_table_size(kind))
         return KES_TRACE(CS_FAIL);
-    auto *info = a.zeroed<CHashInfo>();
+    auto *info = a.zeroed<Info>();
     if (info == nullptr)
         return KES_TRACE(CS_MEM_ERROR);
     info->table = a.zeroed<DLinkNode *>(static_cast<size_t>(size));
@@ -121,6 +125,17 @@ CS_RETCODE lm__api_chash_init(LM_HANDLE *handle)
         return KES_TRACE(CS_MEM_ERROR);
     }
     info->table_size = size;
+    *out = info;
+    return CS_SUCCEED;
+}
+
+} // namespace
+
+CS_RETCODE lm__api_chash_init(LM_HANDLE *handle)
+{
+    CHashInfo *info = nullptr;
+    if (CS_RETCODE rc = new_hash_info(handle, LM_LIST_CHASH, &info); rc != CS_SUCCEED)
+        return rc;
     info->home_addr_hfunc = lm__api_key_to_hash;
     info->state = LM_INITIALIZED;
     handle->list_state = info;
@@ -129,19 +144,11 @@ CS_RETCODE lm__api_chash_init(LM_HANDLE *handle)
 
 CS_RETCODE lm__api_dhash_init(LM_HANDLE *handle)
 {
+    DHashInfo *info = nullptr;
+    if (CS_RETCODE rc = new_hash_info(handle, LM_LIST_DHASH, &info); rc != CS_SUCCEED)
+        return rc;
     auto a = allocator_of(handle);
-    CS_INT size = handle->hdlprop->max_tablesize;
-    if (size < kes::lm::min_table_size(LM_LIST_DHASH))
-        return KES_TRACE(CS_FAIL);
-    auto *info = a.zeroed<DHashInfo>();
-    if (info == nullptr)
-        return KES_TRACE(CS_MEM_ERROR);
-    info->table = a.zeroed<DLinkNode *>(static_cast<size_t>(size));
-    if (info->table == nullptr) {
-        a.release_record(info);
-        return KES_TRACE(CS_MEM_ERROR);
-    }
-    info->table_size = size;
+    const CS_INT size = info->table_size;
     for (CS_INT i = 0; i < size; i++) {
         DLinkNode *node = a.zeroed<DLinkNode>();
         if (node == nullptr) {
