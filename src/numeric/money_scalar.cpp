@@ -227,6 +227,20 @@ int com__flt8tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen, C
     return result;
 }
 
+// A float to CS_MONEY4 goes through CS_MONEY with the wide kernel, then narrows.
+static int float_to_money4(int (*to_money)(CS_VOID *, CS_INT, CS_VOID *, CS_INT, CS_INT), CS_VOID *src,
+                           CS_INT srclen, CS_VOID *dest, CS_INT style)
+{
+    store<CS_INT>(dest, 0);
+    CS_MONEY wide;
+    if (to_money(src, srclen, &wide, 8, style) < 0)
+        return -1;
+    CS_MONEY4 narrow;
+    const int result = com__mnytomny4(&wide, &narrow);
+    store<CS_MONEY4>(dest, narrow);
+    return result;
+}
+
 int com__flt4tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen, CS_INT style)
 {
     CS_MONEY m{};
@@ -239,26 +253,12 @@ int com__flt4tomny(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT destlen, C
 
 int com__flt8tomny4(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT style)
 {
-    store<CS_INT>(dest, 0);
-    CS_MONEY wide;
-    if (com__flt8tomny(src, srclen, &wide, 8, style) < 0)
-        return -1;
-    CS_MONEY4 narrow;
-    const int result = com__mnytomny4(&wide, &narrow);
-    store<CS_MONEY4>(dest, narrow);
-    return result;
+    return float_to_money4(com__flt8tomny, src, srclen, dest, style);
 }
 
 int com__flt4tomny4(CS_VOID *src, CS_INT srclen, CS_VOID *dest, CS_INT style)
 {
-    store<CS_INT>(dest, 0);
-    CS_MONEY wide;
-    if (com__flt4tomny(src, srclen, &wide, 8, style) < 0)
-        return -1;
-    CS_MONEY4 narrow;
-    const int result = com__mnytomny4(&wide, &narrow);
-    store<CS_MONEY4>(dest, narrow);
-    return result;
+    return float_to_money4(com__flt4tomny, src, srclen, dest, style);
 }
 
 } // extern "C"
