@@ -6,6 +6,7 @@
 #ifndef KESCOMN_DATETIME_CALENDAR_H
 #define KESCOMN_DATETIME_CALENDAR_H
 
+#include "intl/date_defaults.h"
 #include "kescomn/datetime.h"
 
 #ifdef __cplusplus
@@ -142,11 +143,6 @@ int com__year2digit(int year);
    datetype is 35 or 36. */
 void com__dtrec_cp(CS_DATEREC *source, CS_DATEREC *target, CS_INT datetype);
 
-/* English month and weekday names (weekday 0 is Sunday), for callers without
-   locale data. */
-extern CS_CHAR *Com__en_months[12];
-extern CS_CHAR *Com__en_days[7];
-
 /* ---- kernels between the types ------------------------------------------ */
 
 /* To CS_DATETIME4, minutes rounded to nearest (30 s up).  1 when the day is
@@ -182,5 +178,12 @@ void com__timeatobigdatetime(CS_TIME *tp, CS_BIGDATETIME *bdt);
 void com__timeatobigtime(CS_TIME *tp, CS_BIGTIME *bt);
 
 KES_END_DECLS
+
+#ifdef __cplusplus
+// English month and weekday names (weekday 0 is Sunday) for callers without
+// locale data: the built-in defaults, under the names the date code knows.
+inline constexpr CS_CHAR **Com__en_months = kes::intl::names(Com__Months);
+inline constexpr CS_CHAR **Com__en_days = kes::intl::names(Com__WeekDay);
+#endif
 
 #endif

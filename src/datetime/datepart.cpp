@@ -60,19 +60,9 @@ int put_name(char *cp, const char *name)
     return n;
 }
 
-char kMonthText[12][10] = {"January", "February", "March",     "April",   "May",      "June",
-                           "July",    "August",   "September", "October", "November", "December"};
-char kDayText[7][10] = {"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"};
-
 } // namespace
 
 extern "C" {
-
-CS_CHAR *Com__en_months[12] = {kMonthText[0], kMonthText[1], kMonthText[2],  kMonthText[3],
-                               kMonthText[4], kMonthText[5], kMonthText[6],  kMonthText[7],
-                               kMonthText[8], kMonthText[9], kMonthText[10], kMonthText[11]};
-CS_CHAR *Com__en_days[7] = {kDayText[0], kDayText[1], kDayText[2], kDayText[3],
-                            kDayText[4], kDayText[5], kDayText[6]};
 
 int com__daterecpart(int part, CS_DATEREC *t, int firstday, int dayselapsed, CS_INT odatetype)
 {

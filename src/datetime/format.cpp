@@ -26,14 +26,6 @@ constexpr int kTextMax = 64; // the longest layout with a 9-byte month is 35
 //   n minute              s second           f milliseconds   u microseconds
 //   p AM or PM
 
-char kShortMonthText[12][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-char *kShortMonths[12] = {kShortMonthText[0], kShortMonthText[1], kShortMonthText[2],  kShortMonthText[3],
-                          kShortMonthText[4], kShortMonthText[5], kShortMonthText[6],  kShortMonthText[7],
-                          kShortMonthText[8], kShortMonthText[9], kShortMonthText[10], kShortMonthText[11]};
-char kAmPmText[2][3] = {"AM", "PM"};
-char *kAmPm[2] = {kAmPmText[0], kAmPmText[1]};
-
 // "00" to "99": one two-byte copy per field instead of a divide per digit.
 constexpr std::array<char, 200> make_pairs()
 {
@@ -123,7 +115,7 @@ inline char *put(char *p, const CS_DATEREC *r, char **months, bool micro)
     } else if constexpr (C == 'u') {
         return pairs<3>(p, micro ? u(r->datesecfrac) : u(r->datemsecond * 1000));
     } else if constexpr (C == 'p') {
-        // The marks are the fixed list of ampm(), which is never rewritten.
+        // The marks are the fixed list Com__ampm, whatever the language.
         p[0] = r->datehour >= 12 ? 'P' : 'A';
         p[1] = 'M';
         return p + 2;
@@ -254,13 +246,6 @@ int format_with(const StyleTable &table, CS_DATEREC *r, char *buf, int len, int 
 }
 
 } // namespace
-
-namespace kes::datetext {
-
-char **en_short_months() { return kShortMonths; }
-char **ampm() { return kAmPm; }
-
-} // namespace kes::datetext
 
 extern "C" {
 

@@ -9,6 +9,7 @@
 #ifndef KESCOMN_DATETIME_FORMAT_H
 #define KESCOMN_DATETIME_FORMAT_H
 
+#include "intl/date_defaults.h"
 #include "kescomn/types.h"
 
 KES_BEGIN_DECLS
@@ -51,8 +52,8 @@ namespace kes::datetext {
 
 // Built-in names that serve while no locale data is loaded: "Jan" to "Dec",
 // and the AM/PM marks that every language shares.
-char **en_short_months();
-char **ampm();
+inline char **en_short_months() { return com__get_shortmonths(); }
+inline char **ampm() { return com__get_ampm(); }
 
 } // namespace kes::datetext
 #endif
