@@ -20,6 +20,7 @@
 #include "kescomn/numconv.h"
 #include "kescomn/datetime.h"
 #include "kescomn/datetext.h"
+#include "kescomn/intl_date.h"
 #include "kescomn/nulls.h"
 #include "kescomn/lm.h"
 #include "kescomn/mm.h"

@@ -296,6 +296,7 @@ typedef struct _cs_thread {
 } CS_THREAD;
 
 typedef struct _cs_context CS_CONTEXT;
+typedef struct _cs_context CsContext; /* the name the locale interfaces use */
 typedef struct _cs_datafmt CS_DATAFMT;
 
 typedef CS_VOID *(*CS_MALLOC_FUNC)(size_t);

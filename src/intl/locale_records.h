@@ -1,7 +1,8 @@
 /*
-** Layouts of the locale handle, the shared locale cache and the character
-** set description, as far as the character attributes walk them.  The
-** components that other parts load stay incomplete types here.
+** Layouts of the locale handle, the shared locale cache, the character set
+** description and a language's date conventions, as far as the character
+** attributes and the date queries walk them.  The components that other
+** parts load stay incomplete types here.
 */
 #ifndef KESCOMN_INTL_LOCALE_RECORDS_H
 #define KESCOMN_INTL_LOCALE_RECORDS_H
@@ -17,6 +18,49 @@ typedef struct _csnuminfo CS_NUMINFO;
 typedef struct _csmoninfo CS_MONINFO;
 typedef struct _csoid CsOID;
 typedef struct _csconvconfig CsConvConfig;
+
+/* A language's date conventions, shared by every cache of the language; a
+   copy carries a per-locale conversion style.  Names are NUL-terminated and
+   stored with their lengths. */
+struct _csdateinfo {
+    CsOID *id; /* the language; the key of the list */
+    CS_INT is12hour;
+    CS_BYTE *amindict;
+    CS_INT amindict_len;
+    CS_BYTE *pmindict;
+    CS_INT pmindict_len;
+    CS_BYTE *months[12];
+    CS_INT mon_len[12];
+    CS_BYTE *shortmonths[12];
+    CS_INT shrtmon_len[12];
+    CS_BYTE *days[7]; /* days[0] is the locale's first day of the week */
+    CS_INT day_len[7];
+    CS_BYTE *shortdays[7];
+    CS_INT shrtday_len[7];
+    CS_INT firstday; /* 1 to 7 */
+    CS_BYTE *datefmt;
+    CS_INT datefmt_len;
+    CS_BYTE *timefmt;
+    CS_INT timefmt_len;
+    CS_BYTE *longdtfmt;
+    CS_INT longdtfmt_len;
+    CS_BYTE *shrtdtfmt;
+    CS_INT shrtdtfmt_len;
+    CS_BYTE *era;
+    CS_INT era_len;
+    CS_BYTE *era_t_fmt;
+    CS_INT era_t_fmt_len;
+    CS_BYTE *era_d_fmt;
+    CS_INT era_d_fmt_len;
+    CS_BYTE *era_dt_fmt;
+    CS_INT era_dt_fmt_len;
+    CS_INT secprec;
+    CS_CHAR dateorder[4]; /* "mdy", "dmy", ...; kept as read even when unknown */
+    CS_INT convertfmt;    /* date style of conversions to text */
+    CS_BOOL fmt_reset;    /* 1 once a caller has set convertfmt */
+    int locdateorder_id;
+    struct _csdateinfo *next;
+};
 
 /* One pointer per category, each a CsLocCache (possibly all the same). */
 struct _cs_locale {
