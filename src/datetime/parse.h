@@ -108,4 +108,45 @@ int com__timefromchar_mb(CS_DATETIME *dtp, char *origcp, int origlen, int style,
 
 KES_END_DECLS
 
+#ifdef __cplusplus
+namespace kes::datetext {
+
+/* The fixed forms that machines write ("yyyy-mm-dd", "mm/dd/yyyy" where
+   style and order settle it, "yyyymmdd", each alone or followed by one blank
+   or "T" and "hh:mm[:ss[.ffffff|:mmm]]") read in one pass over bytes of the
+   built-in character set.  True, with parts and *truncated exactly as the
+   grammar leaves them for result 0; false, with nothing written, for any text
+   that the grammar must judge. */
+bool read_fixed(CS_DATEREC *parts, const char *text, int len, int style, int order, CS_INT dt_type,
+                CS_BOOL *truncated);
+
+/* xdaterecfromchar without the fixed forms in front: the grammar alone, the
+   reference that the fixed forms must agree with. */
+int daterec_by_grammar(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order,
+                       char **mths, char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated);
+
+/* The two routes from text to record: the fixed forms, then the grammar for
+   what they leave (the exported readers), or the grammar alone. */
+enum class Route { fixed_first, grammar_only };
+
+/* Every reader of this header, taking its record by one route; each member
+   has the contract of the function it is named after.  The grammar-only set
+   is the reference that checks of the fixed forms compare with. */
+struct Readers {
+    decltype(&xdaterecfromchar) daterec;
+    decltype(&xdatefromchar) datetime;
+    decltype(&xbigdatetimefromchar) bigdatetime;
+    decltype(&com__datefromchar_mb) datefromchar;
+    decltype(&com__bigdatetimefromchar_mb) bigdatetimefromchar;
+    decltype(&com__date4fromchar_mb) date4fromchar;
+    decltype(&com__dateafromchar_mb) dateafromchar;
+    decltype(&com__timeafromchar_mb) timeafromchar;
+    decltype(&com__bigtimefromchar_mb) bigtimefromchar;
+    decltype(&com__timefromchar_mb) timefromchar;
+};
+const Readers &readers(Route route);
+
+} // namespace kes::datetext
+#endif
+
 #endif

@@ -1,0 +1,216 @@
+// The fixed forms that machines write, read straight from their bytes.  Each
+// form is recognised only where the token grammar would give the very same
+// record and result 0; every other text, including texts with errors, is left
+// to the grammar, so that the grammar alone decides every failure.
+#include <cstdint>
+#include <cstring>
+
+#include "datetime/parse.h"
+
+namespace {
+
+using Byte = unsigned char;
+
+// Eight bytes of text as one word, the first byte lowest.
+[[gnu::always_inline]] inline uint64_t load8(const Byte *p)
+{
+    uint64_t w;
+    std::memcpy(&w, p, sizeof w);
+    return w;
+}
+
+constexpr uint64_t kZeros = 0x3030303030303030ULL; // "0" in every byte
+constexpr uint64_t kHigh = 0xF0F0F0F0F0F0F0F0ULL;
+
+// Whether the bytes of w that mask selects are all digits.  Past the exclusive
+// or a digit is 0 to 9 and any other byte has a high nibble, or gains one when
+// 6 is added; no byte of 0 to 15 carries into its neighbour.
+[[gnu::always_inline]] inline bool all_digits(uint64_t w, uint64_t mask)
+{
+    const uint64_t x = (w ^ kZeros) & mask;
+    return ((x | (x + 0x0606060606060606ULL)) & kHigh) == 0;
+}
+
+// Digit pairs: byte i of the result is 10 * digit i + digit i + 1, for the
+// digits of w that mask selects.
+[[gnu::always_inline]] inline uint64_t pairs(uint64_t w, uint64_t mask)
+{
+    const uint64_t x = (w ^ kZeros) & mask;
+    return x * 10 + (x >> 8);
+}
+
+[[gnu::always_inline]] inline unsigned byte_at(uint64_t w, int i) { return static_cast<unsigned>(w >> (8 * i)) & 0xFF; }
+
+// Two digits at p, or false.
+[[gnu::always_inline]] inline bool two(const Byte *p, unsigned *value)
+{
+    const unsigned a = p[0] - '0', b = p[1] - '0';
+    *value = a * 10 + b;
+    return (a <= 9) & (b <= 9);
+}
+
+[[gnu::always_inline]] inline bool is_separator(Byte c) { return static_cast<unsigned>(c - '-') <= 2; } // - . /
+
+// Whether the date may end at position at: the end of the text, or the blank
+// or "T" before a time.  Any other byte is left to the grammar; a digit there
+// would lengthen the last number.
+[[gnu::always_inline]] inline bool date_ends(const Byte *p, int len, int at)
+{
+    return at == len || p[at] == ' ' || (p[at] | 0x20) == 't';
+}
+
+struct Fields {
+    unsigned year, month, day;                // month counted from 1
+    unsigned hour = 0, minute = 0, second = 0;
+    CS_INT micros = -1;                       // -1 when the text has no fraction
+};
+
+// Whether the two short numbers of a numeric date with a 4-digit year are
+// month then day: the order that the grammar settles from style and order,
+// with the year already placed.  -1 where the grammar would not find a date
+// this way (a style that does not take the 4-digit year, a bad order).
+int month_first(int style, int order, bool year_leads)
+{
+    switch (style) {
+    case 0: case 9:
+        // A leading year makes the order year-first, unless it is the
+        // year-day-month order.
+        if (year_leads)
+            return order == 4 ? 0 : 1;
+        if (order < 1 || order > 6)
+            return -1;
+        return order % 2; // mdy, ymd and myd put the month before the day
+    case 101: case 110: case 102: case 111:
+        return 1;
+    case 103: case 104: case 105:
+        return 0;
+    default:
+        return -1;
+    }
+}
+
+// "yyyy-mm-dd", "mm-dd-yyyy" (any of "-", "/", "." twice) or "yyyymmdd" at
+// the start; the bytes taken, 0 for none of them.
+[[gnu::always_inline]] inline int read_date(const Byte *p, int len, int style, int order, Fields *f)
+{
+    if (len < 8)
+        return 0;
+    const uint64_t w = load8(p);
+    if (len >= 10 && date_ends(p, len, 10)) {
+        unsigned last;
+        if (!two(p + 8, &last))
+            return 0;
+        unsigned a, b;
+        bool year_leads;
+        if (is_separator(p[4]) && is_separator(p[7])) {
+            constexpr uint64_t kDigits = 0x00FFFF00FFFFFFFFULL; // dddd-dd-
+            if (!all_digits(w, kDigits))
+                return 0;
+            const uint64_t v = pairs(w, kDigits);
+            f->year = byte_at(v, 0) * 100 + byte_at(v, 2);
+            a = byte_at(v, 5);
+            b = last;
+            year_leads = true;
+        } else if (is_separator(p[2]) && is_separator(p[5])) {
+            constexpr uint64_t kDigits = 0xFFFF00FFFF00FFFFULL; // dd-dd-dd
+            if (!all_digits(w, kDigits))
+                return 0;
+            const uint64_t v = pairs(w, kDigits);
+            a = byte_at(v, 0);
+            b = byte_at(v, 3);
+            f->year = byte_at(v, 6) * 100 + last;
+            year_leads = false;
+        } else {
+            return 0;
+        }
+        const int mf = month_first(style, order, year_leads);
+        if (mf < 0)
+            return 0;
+        f->month = mf ? a : b;
+        f->day = mf ? b : a;
+        return 10;
+    }
+    // Order and style play no part in the packed form.
+    if (!all_digits(w, ~uint64_t{0}) || !date_ends(p, len, 8))
+        return 0;
+    const uint64_t v = pairs(w, ~uint64_t{0});
+    f->year = byte_at(v, 0) * 100 + byte_at(v, 2);
+    f->month = byte_at(v, 4);
+    f->day = byte_at(v, 6);
+    return 8;
+}
+
+// "hh:mm", "hh:mm:ss", "hh:mm:ss.f" with 1 to 6 fraction digits or
+// "hh:mm:ss:mmm" with 1 to 3 millisecond digits, reaching the end.
+[[gnu::always_inline]] inline bool read_time(const Byte *p, int len, Fields *f)
+{
+    if (len == 5)
+        return p[2] == ':' && two(p, &f->hour) && two(p + 3, &f->minute);
+    if (len < 8)
+        return false;
+    const uint64_t w = load8(p);
+    constexpr uint64_t kColons = 0x0000FF0000FF0000ULL, kDigits = 0xFFFF00FFFF00FFFFULL; // dd:dd:dd
+    if ((w & kColons) != 0x00003A00003A0000ULL || !all_digits(w, kDigits))
+        return false;
+    const uint64_t v = pairs(w, kDigits);
+    f->hour = byte_at(v, 0);
+    f->minute = byte_at(v, 3);
+    f->second = byte_at(v, 6);
+    if (len == 8)
+        return true;
+    const int n = len - 9;
+    const Byte mark = p[8];
+    if (n < 1 || (mark == '.' ? n > 6 : mark != ':' || n > 3))
+        return false;
+    CS_INT value = 0;
+    for (int i = 9; i < len; i++) {
+        const unsigned d = p[i] - '0';
+        if (d > 9)
+            return false;
+        value = value * 10 + static_cast<CS_INT>(d);
+    }
+    // A fraction is scaled to microseconds by its count of digits, a
+    // millisecond count is taken as it stands.
+    static constexpr CS_INT kScale[] = {0, 100000, 10000, 1000, 100, 10, 1};
+    f->micros = value * (mark == '.' ? kScale[n] : 1000);
+    return true;
+}
+
+} // namespace
+
+bool kes::datetext::read_fixed(CS_DATEREC *parts, const char *text, int len, int style, int order,
+                               CS_INT dt_type, CS_BOOL *truncated)
+{
+    const auto *p = reinterpret_cast<const Byte *>(text);
+    Fields f;
+    const int date = read_date(p, len, style, order, &f);
+    if (date == 0)
+        return false;
+    // One blank or "T" (read_date saw it) and a time, or nothing.
+    if (date < len && !read_time(p + date + 1, len - date - 1, &f))
+        return false;
+
+    CS_INT ms = 0, frac = 0, prec = 0;
+    if (f.micros >= 0) {
+        if (dt_type == CS_BIGDATETIME_TYPE || dt_type == CS_BIGTIME_TYPE) {
+            frac = f.micros;
+            prec = 1000000;
+        } else {
+            if (f.micros % 1000 != 0)
+                *truncated = 1;
+            ms = (f.micros + 500) / 1000;
+            if (ms == 1000)
+                ms = 999;
+        }
+    }
+    parts->dateyear = f.year;
+    parts->datemonth = f.month - 1;
+    parts->datedmonth = f.day;
+    parts->datehour = f.hour;
+    parts->dateminute = f.minute;
+    parts->datesecond = f.second;
+    parts->datemsecond = ms;
+    parts->datesecfrac = frac;
+    parts->datesecprec = prec;
+    return true;
+}
