@@ -6,6 +6,8 @@
 #include "errors/assert.h"
 #include "kescomn/numeric.h"
 #include "numeric/exctnume.h"
+#include "numeric/records.h"
+#include "numeric/wordpath.h"
 
 using namespace kes::numeric;
 
@@ -38,16 +40,37 @@ CS_RETCODE status_code(int st)
     }
 }
 
-// Writes the result's precision and scale from its integer digits, keeping
-// the precision in 1..77 and giving up decimals first.
-void set_result_shape(CS_NUMERIC *result, int intdig, int scale, int precision)
+// A result's precision and scale.
+struct Shape {
+    int prec;
+    int scale;
+};
+
+// A result's shape from its integer digits, keeping the precision in 1..77
+// and giving up decimals first.
+Shape result_shape(int intdig, int scale, int precision)
 {
     precision = std::clamp(precision, 1, kMaxPrec);
     scale = std::min(scale, kMaxPrec);
     if (scale > precision - intdig)
         scale = precision - intdig;
-    result->precision = static_cast<CS_BYTE>(precision);
-    result->scale = static_cast<CS_BYTE>(scale);
+    return {precision, scale};
+}
+
+void set_shape(CS_NUMERIC *result, Shape shape)
+{
+    result->precision = static_cast<CS_BYTE>(shape.prec);
+    result->scale = static_cast<CS_BYTE>(shape.scale);
+}
+
+// The result may be one of the operands: such an operand is read from a copy,
+// since the result's shape is written before the kernel reads its bytes.
+void unalias(CS_NUMERIC *&op, const CS_NUMERIC *result, CS_NUMERIC &copy)
+{
+    if (op == result) {
+        copy = *op;
+        op = &copy;
+    }
 }
 
 // src widened to precision p and scale s (both at least its own) in dst:
@@ -68,9 +91,10 @@ CS_RETCODE widen(CS_NUMERIC *src, int p, int s, CS_NUMERIC *dst)
 
 } // namespace
 
-extern "C" {
+namespace kes::numeric {
 
-CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation)
+CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation,
+                           bool try_words)
 {
     KES_NOT_NULL(oper1);
     KES_NOT_NULL(oper2);
@@ -78,6 +102,8 @@ CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *r
     KES_ASSERT(operation == 0 || operation == 1);
     if (!valid(oper1) || !valid(oper2))
         return KES_TRACE(CS_EDOMAIN);
+    if (try_words && words::add_sub(oper1, oper2, result, operation == 1))
+        return CS_SUCCEED;
 
     // Operands of different shape meet at a common one; an integer part that
     // no longer fits the capped precision is an overflow.
@@ -90,7 +116,11 @@ CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *r
         p = std::min(s + intdig, kMaxPrec);
     }
     const int intdig = p - s;
-    set_result_shape(result, intdig, s, s + intdig < kMaxPrec ? s + intdig + 1 : kMaxPrec);
+    const Shape shape = result_shape(intdig, s, s + intdig < kMaxPrec ? s + intdig + 1 : kMaxPrec);
+    CS_NUMERIC copy1, copy2;
+    unalias(oper1, result, copy1);
+    unalias(oper2, result, copy2);
+    set_shape(result, shape);
 
     CS_NUMERIC wide1, wide2;
     if (align) {
@@ -109,33 +139,29 @@ CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *r
     return status_code(com__exctnume_addorsub(&a, &b, &r, operation));
 }
 
-CS_RETCODE comn_numadd(CS_NUMERIC *add1p, CS_NUMERIC *add2p, CS_NUMERIC *sump)
-{
-    return comn_num_addorsub(add1p, add2p, sump, 0);
-}
-
-CS_RETCODE comn_numsub(CS_NUMERIC *minp, CS_NUMERIC *subp, CS_NUMERIC *diffp)
-{
-    return comn_num_addorsub(minp, subp, diffp, 1);
-}
-
-CS_RETCODE comn_nummul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result)
+CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool try_words)
 {
     KES_NOT_NULL(m1);
     KES_NOT_NULL(m2);
     KES_NOT_NULL(result);
     if (!valid(m1) || !valid(m2))
         return KES_TRACE(CS_EDOMAIN);
+    if (try_words && words::mul(m1, m2, result))
+        return CS_SUCCEED;
     const int intdig = std::min(m1->precision - m1->scale + m2->precision - m2->scale + 1, kMaxPrec);
     const int scale = std::min(m1->scale + m2->scale, kMaxPrec);
-    set_result_shape(result, intdig, scale, scale + intdig);
+    const Shape shape = result_shape(intdig, scale, scale + intdig);
+    CS_NUMERIC copy1, copy2;
+    unalias(m1, result, copy1);
+    unalias(m2, result, copy2);
+    set_shape(result, shape);
     const __CONSTANT a = operand(m1);
     const __CONSTANT b = operand(m2);
     __CONSTANT r = operand(result);
     return status_code(com__exctnume_mul(&a, &b, &r));
 }
 
-CS_RETCODE comn_numdivide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot)
+CS_RETCODE record_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot, bool try_words)
 {
     KES_NOT_NULL(dividend);
     KES_NOT_NULL(divisor);
@@ -145,11 +171,46 @@ CS_RETCODE comn_numdivide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC 
     const int intdig = std::min(dividend->precision - dividend->scale + divisor->scale, kMaxPrec);
     const int t = dividend->precision + divisor->scale;
     const int scale = t < 6 ? 6 : std::min(t + 1, kMaxPrec);
-    set_result_shape(quot, intdig, scale, scale + intdig);
+    const Shape shape = result_shape(intdig, scale, scale + intdig);
+    if (try_words && words::div(dividend, divisor, shape.prec, shape.scale, quot))
+        return CS_SUCCEED;
+    CS_NUMERIC copy1, copy2;
+    unalias(dividend, quot, copy1);
+    unalias(divisor, quot, copy2);
+    set_shape(quot, shape);
     const __CONSTANT a = operand(dividend);
     const __CONSTANT b = operand(divisor);
     __CONSTANT q = operand(quot);
     return status_code(com__exctnume_div(&a, &b, &q, nullptr));
+}
+
+} // namespace kes::numeric
+
+extern "C" {
+
+CS_RETCODE comn_num_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation)
+{
+    return record_addorsub(oper1, oper2, result, operation, true);
+}
+
+CS_RETCODE comn_numadd(CS_NUMERIC *add1p, CS_NUMERIC *add2p, CS_NUMERIC *sump)
+{
+    return record_addorsub(add1p, add2p, sump, 0, true);
+}
+
+CS_RETCODE comn_numsub(CS_NUMERIC *minp, CS_NUMERIC *subp, CS_NUMERIC *diffp)
+{
+    return record_addorsub(minp, subp, diffp, 1, true);
+}
+
+CS_RETCODE comn_nummul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result)
+{
+    return record_mul(m1, m2, result, true);
+}
+
+CS_RETCODE comn_numdivide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot)
+{
+    return record_divide(dividend, divisor, quot, true);
 }
 
 CS_INT comn_numcmp(CS_NUMERIC *n1, CS_NUMERIC *n2)

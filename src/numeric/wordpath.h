@@ -1,0 +1,364 @@
+/*
+** Record arithmetic in machine words.  An operand of at most 38 digits
+** (17 bytes) fits two 64-bit words, and its products and scaled dividends
+** fit four, so the common column shapes need neither the byte form nor the
+** byte kernel's general loops.
+**
+** Each operation takes records that are not null and either writes the
+** whole result (its bytes, precision and scale) and succeeds, or declines
+** and writes nothing.  It declines on a wider operand, a scale above the precision, operands of different
+** shape in a sum, a result that fails its precision and a zero divisor; the
+** byte kernel then runs on the untouched records and decides the outcome
+** and its result code, so both paths give the same bytes for every input.
+** All operand bytes are read before the first write, so the result may be
+** an operand.
+**
+** The bodies are here, the small ones forced inline, so that they inline
+** into the exported entries: at these sizes a call and its register saves
+** cost as much as the arithmetic.
+*/
+#ifndef KESCOMN_NUMERIC_WORDPATH_H
+#define KESCOMN_NUMERIC_WORDPATH_H
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#include "kescomn/types.h"
+#include "numeric/limbs.h"
+#include "numeric/nume_tables.h"
+
+namespace kes::numeric::words {
+
+using u128 = unsigned __int128;
+
+// The largest precision whose magnitude fits two words.
+inline constexpr int kMaxWordPrec = 38;
+
+// A magnitude below 2^256, least significant word first.
+struct U256 {
+    uint64_t w[4];
+};
+
+constexpr U256 times_ten(U256 x)
+{
+    uint64_t carry = 0;
+    for (uint64_t &w : x.w) {
+        const u128 t = static_cast<u128>(w) * 10 + carry;
+        w = static_cast<uint64_t>(t);
+        carry = static_cast<uint64_t>(t >> 64);
+    }
+    return x;
+}
+
+struct PowerTable {
+    U256 p[kMaxPrec + 1];
+};
+
+constexpr PowerTable make_powers()
+{
+    PowerTable t{};
+    t.p[0] = U256{{1, 0, 0, 0}};
+    for (int n = 1; n <= kMaxPrec; ++n)
+        t.p[n] = times_ten(t.p[n - 1]);
+    return t;
+}
+
+// 10^0 .. 10^77; the last is just below 2^256.
+inline constexpr PowerTable kPow = make_powers();
+static_assert(kPow.p[19].w[0] == 10000000000000000000ull && kPow.p[19].w[1] == 0);
+static_assert(kPow.p[77].w[3] > 0xdd00000000000000ull);
+
+inline uint64_t be64(const CS_BYTE *p)
+{
+    uint64_t v;
+    std::memcpy(&v, p, 8);
+    return __builtin_bswap64(v);
+}
+
+// The magnitude of a record of at most 17 bytes.  The 16 bytes after the
+// sign byte are read whole and the ones past the value shifted out.
+[[gnu::always_inline]] inline u128 load(const CS_NUMERIC *n)
+{
+    const int len = Com__Nume_Prec_To_Len[n->precision];
+    const u128 window = (static_cast<u128>(be64(n->array + 1)) << 64) | be64(n->array + 9);
+    return window >> (8 * (17 - len));
+}
+
+inline U256 widen(u128 v) { return U256{{static_cast<uint64_t>(v), static_cast<uint64_t>(v >> 64), 0, 0}}; }
+
+// Compared from the top word, where values of different size part at once.
+inline bool less(const U256 &x, const U256 &y)
+{
+    for (int i = 3; i >= 0; --i)
+        if (x.w[i] != y.w[i])
+            return x.w[i] < y.w[i];
+    return false;
+}
+
+inline bool is_zero(const U256 &x) { return (x.w[0] | x.w[1] | x.w[2] | x.w[3]) == 0; }
+
+// A record of at most 38 digits with its scale within its precision: the
+// shape every operation here takes.
+inline bool word_shaped(const CS_NUMERIC *n)
+{
+    return n->precision >= 1 && n->precision <= kMaxWordPrec && n->scale <= n->precision;
+}
+
+// Writes v big-endian into exactly n bytes at dst (0 <= n <= 32, v below
+// 2^(8n)): whole words from the end, then the top bytes with one more word
+// store that overlaps bytes already written with the same values.
+[[gnu::always_inline]] inline void store_be(const U256 &v, CS_BYTE *dst, int n)
+{
+    const int words = n / 8;
+    const int top = n % 8;
+    for (int i = 0; i < words; ++i) {
+        const uint64_t be = __builtin_bswap64(v.w[i]);
+        std::memcpy(dst + n - 8 * (i + 1), &be, 8);
+    }
+    if (top == 0)
+        return;
+    if (words == 0) {
+        for (int i = 0; i < top; ++i)
+            dst[i] = static_cast<CS_BYTE>(v.w[0] >> (8 * (top - 1 - i)));
+        return;
+    }
+    const uint64_t first = (v.w[words] << (64 - 8 * top)) | (v.w[words - 1] >> (8 * top));
+    const uint64_t be = __builtin_bswap64(first);
+    std::memcpy(dst, &be, 8);
+}
+
+// Writes v as a result of precision prec and scale scale, when it lies below
+// 10^prec: the sign byte (0 for zero) and exactly the record's magnitude
+// bytes, nothing past them.
+[[gnu::always_inline]] inline bool store(const U256 &v, bool neg, int prec, int scale, CS_NUMERIC *r)
+{
+    if (!less(v, kPow.p[prec]))
+        return false;
+    store_be(v, r->array + 1, Com__Nume_Prec_To_Len[prec] - 1);
+    r->array[0] = neg && !is_zero(v) ? 1 : 0;
+    r->precision = static_cast<CS_BYTE>(prec);
+    r->scale = static_cast<CS_BYTE>(scale);
+    return true;
+}
+
+// a + b, or a - b when subtract, for operands of one shape (p, s): the
+// result has precision p + 1 and scale s.
+inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, bool subtract)
+{
+    if (!word_shaped(a) || !word_shaped(b) || a->precision != b->precision || a->scale != b->scale)
+        return false;
+    const int prec = a->precision + 1;
+    const int scale = a->scale;
+    const u128 x = load(a);
+    const u128 y = load(b);
+    const bool na = a->array[0] != 0;
+    const bool nb = (b->array[0] != 0) != subtract;
+    if (na == nb) {
+        const u128 sum = x + y;
+        return store(U256{{static_cast<uint64_t>(sum), static_cast<uint64_t>(sum >> 64), sum < x, 0}}, na, prec,
+                     scale, r);
+    }
+    // Opposite signs: the larger magnitude keeps its sign.  A larger operand
+    // beyond the result's precision is left to the byte kernel, which counts
+    // its bytes.
+    const bool x_larger = x >= y;
+    const u128 larger = x_larger ? x : y;
+    return less(widen(larger), kPow.p[prec]) && store(widen(x_larger ? x - y : y - x), x_larger ? na : nb, prec, scale, r);
+}
+
+// The product of two words by two.
+inline U256 product(u128 x, u128 y)
+{
+    const uint64_t x0 = static_cast<uint64_t>(x), x1 = static_cast<uint64_t>(x >> 64);
+    const uint64_t y0 = static_cast<uint64_t>(y), y1 = static_cast<uint64_t>(y >> 64);
+    const u128 p00 = static_cast<u128>(x0) * y0;
+    const u128 p01 = static_cast<u128>(x0) * y1;
+    const u128 p10 = static_cast<u128>(x1) * y0;
+    const u128 p11 = static_cast<u128>(x1) * y1;
+    const u128 mid = (p00 >> 64) + static_cast<uint64_t>(p01) + static_cast<uint64_t>(p10);
+    const u128 high = p11 + (p01 >> 64) + (p10 >> 64) + (mid >> 64);
+    return U256{{static_cast<uint64_t>(p00), static_cast<uint64_t>(mid), static_cast<uint64_t>(high),
+                 static_cast<uint64_t>(high >> 64)}};
+}
+
+// The sign rule of the byte kernel's product and quotient: the sign bytes
+// themselves are compared.
+inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->array[0] != b->array[0]; }
+
+// a * b: precision p1 + p2 + 1 (at most 77), scale s1 + s2.
+inline bool mul(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
+{
+    if (!word_shaped(a) || !word_shaped(b))
+        return false;
+    return store(product(load(a), load(b)), product_sign(a, b), a->precision + b->precision + 1,
+                 a->scale + b->scale, r);
+}
+
+// Division by an invariant divisor after Moeller and Granlund: the divisor
+// is normalised (top bit set) and its reciprocal taken once, so that each
+// quotient word costs two multiplications instead of a hardware divide.
+
+// floor((2^128 - 1) / d) - 2^64 for a normalised d.
+inline uint64_t reciprocal(uint64_t d) { return limbs::div_2by1(~d, ~uint64_t{0}, d); }
+
+// The reciprocal of the normalised two-word divisor (d1 d0).
+inline uint64_t reciprocal_3by2(uint64_t d1, uint64_t d0)
+{
+    uint64_t v = reciprocal(d1);
+    uint64_t p = d1 * v + d0;
+    if (p < d0) {
+        --v;
+        if (p >= d1) {
+            --v;
+            p -= d1;
+        }
+        p -= d1;
+    }
+    const u128 t = static_cast<u128>(v) * d0;
+    const uint64_t t1 = static_cast<uint64_t>(t >> 64), t0 = static_cast<uint64_t>(t);
+    p += t1;
+    if (p < t1) {
+        --v;
+        if (p > d1 || (p == d1 && t0 >= d0))
+            --v;
+    }
+    return v;
+}
+
+// (u1 u0) / d for u1 < d; the remainder replaces u1.
+inline uint64_t div_2by1_preinv(uint64_t &u1, uint64_t u0, uint64_t d, uint64_t v)
+{
+    const u128 q = static_cast<u128>(v) * u1 + ((static_cast<u128>(u1) << 64) | u0);
+    uint64_t q1 = static_cast<uint64_t>(q >> 64) + 1;
+    const uint64_t q0 = static_cast<uint64_t>(q);
+    uint64_t r = u0 - q1 * d;
+    if (r > q0) {
+        --q1;
+        r += d;
+    }
+    if (r >= d) {
+        ++q1;
+        r -= d;
+    }
+    u1 = r;
+    return q1;
+}
+
+// (r u0) / (d1 d0) for r < (d1 d0), r being two words; the remainder
+// replaces r.
+inline uint64_t div_3by2_preinv(u128 &r, uint64_t u0, uint64_t d1, uint64_t d0, uint64_t v)
+{
+    const u128 d = (static_cast<u128>(d1) << 64) | d0;
+    const uint64_t u2 = static_cast<uint64_t>(r >> 64), u1 = static_cast<uint64_t>(r);
+    const u128 q = static_cast<u128>(v) * u2 + r;
+    uint64_t q1 = static_cast<uint64_t>(q >> 64);
+    const uint64_t q0 = static_cast<uint64_t>(q);
+    const uint64_t r1 = u1 - q1 * d1;
+    u128 rem = ((static_cast<u128>(r1) << 64) | u0) - static_cast<u128>(d0) * q1 - d;
+    ++q1;
+    if (static_cast<uint64_t>(rem >> 64) >= q0) {
+        --q1;
+        rem += d;
+    }
+    if (rem >= d) {
+        ++q1;
+        rem -= d;
+    }
+    r = rem;
+    return q1;
+}
+
+// hi:lo shifted left by s (0 <= s < 64), the top word.
+inline uint64_t funnel(uint64_t hi, uint64_t lo, int s) { return s == 0 ? hi : (hi << s) | (lo >> (64 - s)); }
+
+// n / d truncated, d not zero.
+inline U256 quotient(const U256 &n, u128 d)
+{
+    uint64_t d1 = static_cast<uint64_t>(d >> 64), d0 = static_cast<uint64_t>(d);
+    const bool one_word = d1 == 0;
+    const int s = std::countl_zero(one_word ? d0 : d1);
+    d1 = funnel(d1, d0, s);
+    d0 <<= s;
+    // The numerator shifted alike, in five words.
+    uint64_t nn[5];
+    nn[4] = funnel(0, n.w[3], s);
+    for (int i = 3; i > 0; --i)
+        nn[i] = funnel(n.w[i], n.w[i - 1], s);
+    nn[0] = n.w[0] << s;
+    int j = 4;
+    while (j >= 0 && nn[j] == 0)
+        --j;
+    U256 q;
+    q.w[0] = q.w[1] = q.w[2] = q.w[3] = 0;
+    if (j < 0)
+        return q;
+    // The top word starts the remainder when it lies below the divisor,
+    // which nn[4] always does, so the quotient fits four words.
+    if (one_word) {
+        const uint64_t v = reciprocal(d0);
+        uint64_t r = 0;
+        if (nn[j] < d0)
+            r = nn[j--];
+        for (; j >= 0; --j)
+            q.w[j] = div_2by1_preinv(r, nn[j], d0, v);
+        return q;
+    }
+    if (j == 0)
+        return q;
+    const uint64_t v = reciprocal_3by2(d1, d0);
+    u128 r = (static_cast<u128>(nn[j]) << 64) | nn[j - 1];
+    j -= 2;
+    if (r >= ((static_cast<u128>(d1) << 64) | d0)) {
+        r = nn[j + 2];
+        ++j;
+    }
+    for (; j >= 0; --j)
+        q.w[j] = div_3by2_preinv(r, nn[j], d1, d0, v);
+    return q;
+}
+
+// x times 10^shift (0 <= shift <= 77) into n; false when that needs more
+// than four words.  Written out word by word: a product built in an array
+// and copied would stall on the copy.
+inline bool scaled(u128 x, int shift, U256 &n)
+{
+    const U256 &p = kPow.p[shift];
+    const uint64_t x0 = static_cast<uint64_t>(x), x1 = static_cast<uint64_t>(x >> 64);
+    u128 t = static_cast<u128>(x0) * p.w[0];
+    const uint64_t r0 = static_cast<uint64_t>(t);
+    t = static_cast<u128>(x0) * p.w[1] + static_cast<uint64_t>(t >> 64);
+    uint64_t r1 = static_cast<uint64_t>(t);
+    t = static_cast<u128>(x0) * p.w[2] + static_cast<uint64_t>(t >> 64);
+    uint64_t r2 = static_cast<uint64_t>(t);
+    t = static_cast<u128>(x0) * p.w[3] + static_cast<uint64_t>(t >> 64);
+    uint64_t r3 = static_cast<uint64_t>(t);
+    uint64_t r4 = static_cast<uint64_t>(t >> 64);
+    t = static_cast<u128>(x1) * p.w[0] + r1;
+    r1 = static_cast<uint64_t>(t);
+    t = static_cast<u128>(x1) * p.w[1] + r2 + static_cast<uint64_t>(t >> 64);
+    r2 = static_cast<uint64_t>(t);
+    t = static_cast<u128>(x1) * p.w[2] + r3 + static_cast<uint64_t>(t >> 64);
+    r3 = static_cast<uint64_t>(t);
+    t = static_cast<u128>(x1) * p.w[3] + r4 + static_cast<uint64_t>(t >> 64);
+    n = U256{{r0, r1, r2, r3}};
+    return t == 0;
+}
+
+// a / b truncated toward zero at the shape the caller chose: the dividend
+// is multiplied by 10^(scale - s1 + s2) first, which must lie in 0..77.
+inline bool div(const CS_NUMERIC *a, const CS_NUMERIC *b, int prec, int scale, CS_NUMERIC *r)
+{
+    if (!word_shaped(a) || !word_shaped(b))
+        return false;
+    const int shift = scale - a->scale + b->scale;
+    const u128 d = load(b);
+    U256 n;
+    if (d == 0 || shift < 0 || shift > kMaxPrec || !scaled(load(a), shift, n))
+        return false;
+    return store(quotient(n, d), product_sign(a, b), prec, scale, r);
+}
+
+} // namespace kes::numeric::words
+
+#endif
