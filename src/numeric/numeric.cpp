@@ -7,7 +7,7 @@
 #include "kescomn/numeric.h"
 #include "numeric/exctnume.h"
 #include "numeric/records.h"
-#include "numeric/wordpath.h"
+#include "numeric/shapes.h"
 
 using namespace kes::numeric;
 
@@ -38,23 +38,6 @@ CS_RETCODE status_code(int st)
     case kDivZero: return KES_TRACE(CS_EDIVZERO);
     default: return CS_SUCCEED;
     }
-}
-
-// A result's precision and scale.
-struct Shape {
-    int prec;
-    int scale;
-};
-
-// A result's shape from its integer digits, keeping the precision in 1..77
-// and giving up decimals first.
-Shape result_shape(int intdig, int scale, int precision)
-{
-    precision = std::clamp(precision, 1, kMaxPrec);
-    scale = std::min(scale, kMaxPrec);
-    if (scale > precision - intdig)
-        scale = precision - intdig;
-    return {precision, scale};
 }
 
 void set_shape(CS_NUMERIC *result, Shape shape)
@@ -93,8 +76,7 @@ CS_RETCODE widen(CS_NUMERIC *src, int p, int s, CS_NUMERIC *dst)
 
 namespace kes::numeric {
 
-CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation,
-                           bool try_words)
+CS_RETCODE bytes_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation)
 {
     KES_NOT_NULL(oper1);
     KES_NOT_NULL(oper2);
@@ -102,8 +84,6 @@ CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *res
     KES_ASSERT(operation == 0 || operation == 1);
     if (!valid(oper1) || !valid(oper2))
         return KES_TRACE(CS_EDOMAIN);
-    if (try_words && words::add_sub(oper1, oper2, result, operation == 1))
-        return CS_SUCCEED;
 
     // Operands of different shape meet at a common one; an integer part that
     // no longer fits the capped precision is an overflow.
@@ -115,8 +95,7 @@ CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *res
         s = std::max(oper1->scale, oper2->scale);
         p = std::min(s + intdig, kMaxPrec);
     }
-    const int intdig = p - s;
-    const Shape shape = result_shape(intdig, s, s + intdig < kMaxPrec ? s + intdig + 1 : kMaxPrec);
+    const Shape shape = sum_shape(p, s);
     CS_NUMERIC copy1, copy2;
     unalias(oper1, result, copy1);
     unalias(oper2, result, copy2);
@@ -139,18 +118,14 @@ CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *res
     return status_code(com__exctnume_addorsub(&a, &b, &r, operation));
 }
 
-CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool try_words)
+CS_RETCODE bytes_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result)
 {
     KES_NOT_NULL(m1);
     KES_NOT_NULL(m2);
     KES_NOT_NULL(result);
     if (!valid(m1) || !valid(m2))
         return KES_TRACE(CS_EDOMAIN);
-    if (try_words && words::mul(m1, m2, result))
-        return CS_SUCCEED;
-    const int intdig = std::min(m1->precision - m1->scale + m2->precision - m2->scale + 1, kMaxPrec);
-    const int scale = std::min(m1->scale + m2->scale, kMaxPrec);
-    const Shape shape = result_shape(intdig, scale, scale + intdig);
+    const Shape shape = product_shape(m1->precision, m1->scale, m2->precision, m2->scale);
     CS_NUMERIC copy1, copy2;
     unalias(m1, result, copy1);
     unalias(m2, result, copy2);
@@ -161,19 +136,14 @@ CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool t
     return status_code(com__exctnume_mul(&a, &b, &r));
 }
 
-CS_RETCODE record_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot, bool try_words)
+CS_RETCODE bytes_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot)
 {
     KES_NOT_NULL(dividend);
     KES_NOT_NULL(divisor);
     KES_NOT_NULL(quot);
     if (!valid(dividend) || !valid(divisor))
         return KES_TRACE(CS_EDOMAIN);
-    const int intdig = std::min(dividend->precision - dividend->scale + divisor->scale, kMaxPrec);
-    const int t = dividend->precision + divisor->scale;
-    const int scale = t < 6 ? 6 : std::min(t + 1, kMaxPrec);
-    const Shape shape = result_shape(intdig, scale, scale + intdig);
-    if (try_words && words::div(dividend, divisor, shape.prec, shape.scale, quot))
-        return CS_SUCCEED;
+    const Shape shape = quotient_shape(dividend->precision, dividend->scale, divisor->scale);
     CS_NUMERIC copy1, copy2;
     unalias(dividend, quot, copy1);
     unalias(divisor, quot, copy2);

@@ -27,6 +27,7 @@
 #include "kescomn/types.h"
 #include "numeric/limbs.h"
 #include "numeric/nume_tables.h"
+#include "numeric/shapes.h"
 
 namespace kes::numeric::words {
 
@@ -128,43 +129,42 @@ inline bool word_shaped(const CS_NUMERIC *n)
     std::memcpy(dst, &be, 8);
 }
 
-// Writes v as a result of precision prec and scale scale, when it lies below
-// 10^prec: the sign byte (0 for zero) and exactly the record's magnitude
-// bytes, nothing past them.
-[[gnu::always_inline]] inline bool store(const U256 &v, bool neg, int prec, int scale, CS_NUMERIC *r)
+// Writes v as a result of shape out, when it lies below 10^out.prec: the
+// sign byte (0 for zero) and exactly the record's magnitude bytes, nothing
+// past them.
+[[gnu::always_inline]] inline bool store(const U256 &v, bool neg, Shape out, CS_NUMERIC *r)
 {
-    if (!less(v, kPow.p[prec]))
+    if (!less(v, kPow.p[out.prec]))
         return false;
-    store_be(v, r->array + 1, Com__Nume_Prec_To_Len[prec] - 1);
+    store_be(v, r->array + 1, Com__Nume_Prec_To_Len[out.prec] - 1);
     r->array[0] = neg && !is_zero(v) ? 1 : 0;
-    r->precision = static_cast<CS_BYTE>(prec);
-    r->scale = static_cast<CS_BYTE>(scale);
+    r->precision = static_cast<CS_BYTE>(out.prec);
+    r->scale = static_cast<CS_BYTE>(out.scale);
     return true;
 }
 
-// a + b, or a - b when subtract, for operands of one shape (p, s): the
-// result has precision p + 1 and scale s.
+// a + b, or a - b when subtract, for operands of one shape.
 inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, bool subtract)
 {
-    if (!word_shaped(a) || !word_shaped(b) || a->precision != b->precision || a->scale != b->scale)
+    if (!word_shaped(a) || a->precision != b->precision || a->scale != b->scale)
         return false;
-    const int prec = a->precision + 1;
-    const int scale = a->scale;
+    const Shape out = sum_shape(a->precision, a->scale);
     const u128 x = load(a);
     const u128 y = load(b);
     const bool na = a->array[0] != 0;
     const bool nb = (b->array[0] != 0) != subtract;
     if (na == nb) {
         const u128 sum = x + y;
-        return store(U256{{static_cast<uint64_t>(sum), static_cast<uint64_t>(sum >> 64), sum < x, 0}}, na, prec,
-                     scale, r);
+        const U256 v{{static_cast<uint64_t>(sum), static_cast<uint64_t>(sum >> 64), sum < x, 0}};
+        return store(v, na, out, r);
     }
     // Opposite signs: the larger magnitude keeps its sign.  A larger operand
     // beyond the result's precision is left to the byte kernel, which counts
     // its bytes.
     const bool x_larger = x >= y;
-    const u128 larger = x_larger ? x : y;
-    return less(widen(larger), kPow.p[prec]) && store(widen(x_larger ? x - y : y - x), x_larger ? na : nb, prec, scale, r);
+    if (!less(widen(x_larger ? x : y), kPow.p[out.prec]))
+        return false;
+    return store(widen(x_larger ? x - y : y - x), x_larger ? na : nb, out, r);
 }
 
 // The product of two words by two.
@@ -186,13 +186,14 @@ inline U256 product(u128 x, u128 y)
 // themselves are compared.
 inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->array[0] != b->array[0]; }
 
-// a * b: precision p1 + p2 + 1 (at most 77), scale s1 + s2.
+// a * b.  For these shapes the product's scale is s1 + s2, so no digit is
+// dropped.
 inline bool mul(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
     if (!word_shaped(a) || !word_shaped(b))
         return false;
-    return store(product(load(a), load(b)), product_sign(a, b), a->precision + b->precision + 1,
-                 a->scale + b->scale, r);
+    const Shape out = product_shape(a->precision, a->scale, b->precision, b->scale);
+    return store(product(load(a), load(b)), product_sign(a, b), out, r);
 }
 
 // Division by an invariant divisor after Moeller and Granlund: the divisor
@@ -345,18 +346,19 @@ inline bool scaled(u128 x, int shift, U256 &n)
     return t == 0;
 }
 
-// a / b truncated toward zero at the shape the caller chose: the dividend
-// is multiplied by 10^(scale - s1 + s2) first, which must lie in 0..77.
-inline bool div(const CS_NUMERIC *a, const CS_NUMERIC *b, int prec, int scale, CS_NUMERIC *r)
+// a / b truncated toward zero: the dividend is multiplied by
+// 10^(out.scale - s1 + s2) first, which must lie in 0..77.
+inline bool div(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
     if (!word_shaped(a) || !word_shaped(b))
         return false;
-    const int shift = scale - a->scale + b->scale;
+    const Shape out = quotient_shape(a->precision, a->scale, b->scale);
+    const int shift = out.scale - a->scale + b->scale;
     const u128 d = load(b);
     U256 n;
     if (d == 0 || shift < 0 || shift > kMaxPrec || !scaled(load(a), shift, n))
         return false;
-    return store(quotient(n, d), product_sign(a, b), prec, scale, r);
+    return store(quotient(n, d), product_sign(a, b), out, r);
 }
 
 } // namespace kes::numeric::words
