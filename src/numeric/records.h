@@ -14,10 +14,12 @@
 
 namespace kes::numeric {
 
-// The byte kernel's record operations, argument checks included.
-CS_RETCODE bytes_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation);
-CS_RETCODE bytes_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result);
-CS_RETCODE bytes_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot);
+// The byte kernel's record operations, argument checks included.  Kept out
+// of line, so that their frames do not crowd the word path's registers.
+[[gnu::noinline]] CS_RETCODE bytes_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result,
+                                            CS_INT operation);
+[[gnu::noinline]] CS_RETCODE bytes_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result);
+[[gnu::noinline]] CS_RETCODE bytes_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot);
 
 inline CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation,
                                   bool try_words)

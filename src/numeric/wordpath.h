@@ -106,27 +106,38 @@ inline bool word_shaped(const CS_NUMERIC *n)
     return n->precision >= 1 && n->precision <= kMaxWordPrec && n->scale <= n->precision;
 }
 
-// Writes v big-endian into exactly n bytes at dst (0 <= n <= 32, v below
+inline void store_be64(CS_BYTE *dst, uint64_t v)
+{
+    v = __builtin_bswap64(v);
+    std::memcpy(dst, &v, 8);
+}
+
+// The 64 bits of hi:lo that start k bytes (0..7) above the bottom of lo.
+inline uint64_t bytes_above(uint64_t hi, uint64_t lo, unsigned k)
+{
+    return static_cast<uint64_t>(((static_cast<u128>(hi) << 64) | lo) >> (8 * k));
+}
+
+// Writes v big-endian into exactly n bytes at dst (n <= 32, v below
 // 2^(8n)): whole words from the end, then the top bytes with one more word
 // store that overlaps bytes already written with the same values.
-[[gnu::always_inline]] inline void store_be(const U256 &v, CS_BYTE *dst, int n)
+[[gnu::always_inline]] inline void store_be(const U256 &v, CS_BYTE *dst, unsigned n)
 {
-    const int words = n / 8;
-    const int top = n % 8;
-    for (int i = 0; i < words; ++i) {
-        const uint64_t be = __builtin_bswap64(v.w[i]);
-        std::memcpy(dst + n - 8 * (i + 1), &be, 8);
-    }
-    if (top == 0)
-        return;
-    if (words == 0) {
-        for (int i = 0; i < top; ++i)
-            dst[i] = static_cast<CS_BYTE>(v.w[0] >> (8 * (top - 1 - i)));
+    if (n < 8) {
+        for (unsigned i = 0; i < n; ++i)
+            dst[i] = static_cast<CS_BYTE>(v.w[0] >> (8 * (n - 1 - i)));
         return;
     }
-    const uint64_t first = (v.w[words] << (64 - 8 * top)) | (v.w[words - 1] >> (8 * top));
-    const uint64_t be = __builtin_bswap64(first);
-    std::memcpy(dst, &be, 8);
+    store_be64(dst + n - 8, v.w[0]);
+    if (n < 16)
+        return store_be64(dst, bytes_above(v.w[1], v.w[0], n - 8));
+    store_be64(dst + n - 16, v.w[1]);
+    if (n < 24)
+        return store_be64(dst, bytes_above(v.w[2], v.w[1], n - 16));
+    store_be64(dst + n - 24, v.w[2]);
+    if (n < 32)
+        return store_be64(dst, bytes_above(v.w[3], v.w[2], n - 24));
+    store_be64(dst, v.w[3]);
 }
 
 // Writes v as a result of shape out, when it lies below 10^out.prec: the
@@ -136,7 +147,7 @@ inline bool word_shaped(const CS_NUMERIC *n)
 {
     if (!less(v, kPow.p[out.prec]))
         return false;
-    store_be(v, r->array + 1, Com__Nume_Prec_To_Len[out.prec] - 1);
+    store_be(v, r->array + 1, Com__Nume_Prec_To_Len[out.prec] - 1u);
     r->array[0] = neg && !is_zero(v) ? 1 : 0;
     r->precision = static_cast<CS_BYTE>(out.prec);
     r->scale = static_cast<CS_BYTE>(out.scale);
