@@ -282,7 +282,10 @@ inline uint64_t div_3by2_preinv(u128 &r, uint64_t u0, uint64_t d1, uint64_t d0, 
 }
 
 // hi:lo shifted left by s (0 <= s < 64), the top word.
-inline uint64_t funnel(uint64_t hi, uint64_t lo, int s) { return s == 0 ? hi : (hi << s) | (lo >> (64 - s)); }
+inline uint64_t funnel(uint64_t hi, uint64_t lo, int s)
+{
+    return static_cast<uint64_t>((((static_cast<u128>(hi) << 64) | lo) << s) >> 64);
+}
 
 // n / d truncated, d not zero.
 inline U256 quotient(const U256 &n, u128 d)
@@ -331,11 +334,17 @@ inline U256 quotient(const U256 &n, u128 d)
 }
 
 // x times 10^shift (0 <= shift <= 77) into n; false when that needs more
-// than four words.  Written out word by word: a product built in an array
-// and copied would stall on the copy.
+// than four words.  Powers up to 10^38 are two words, and their products
+// always fit.
 inline bool scaled(u128 x, int shift, U256 &n)
 {
     const U256 &p = kPow.p[shift];
+    if (shift <= kMaxWordPrec) {
+        n = product(x, (static_cast<u128>(p.w[1]) << 64) | p.w[0]);
+        return true;
+    }
+    // Written out word by word: a product built in an array and copied
+    // would stall on the copy.
     const uint64_t x0 = static_cast<uint64_t>(x), x1 = static_cast<uint64_t>(x >> 64);
     u128 t = static_cast<u128>(x0) * p.w[0];
     const uint64_t r0 = static_cast<uint64_t>(t);
@@ -345,7 +354,11 @@ inline bool scaled(u128 x, int shift, U256 &n)
     uint64_t r2 = static_cast<uint64_t>(t);
     t = static_cast<u128>(x0) * p.w[3] + static_cast<uint64_t>(t >> 64);
     uint64_t r3 = static_cast<uint64_t>(t);
-    uint64_t r4 = static_cast<uint64_t>(t >> 64);
+    const uint64_t r4 = static_cast<uint64_t>(t >> 64);
+    if (x1 == 0) {
+        n = U256{{r0, r1, r2, r3}};
+        return r4 == 0;
+    }
     t = static_cast<u128>(x1) * p.w[0] + r1;
     r1 = static_cast<uint64_t>(t);
     t = static_cast<u128>(x1) * p.w[1] + r2 + static_cast<uint64_t>(t >> 64);
