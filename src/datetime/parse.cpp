@@ -543,22 +543,6 @@ int com__amcheck(CS_DATEREC *pp, int pmflag)
     return 0;
 }
 
-int xdaterecfromchar(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order,
-                     char **mths, char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated)
-{
-    // The fixed forms read the bytes as they stand, which only the built-in
-    // character set guarantees; the time-only reading looks at no date.
-    if (partonly != 3 && (chatr == nullptr || chatr == com_get_charattrib())) {
-        CS_BOOL ignored;
-        CS_BOOL *lost = truncated != nullptr ? truncated : &ignored;
-        *lost = 0;
-        if (kes::datetext::read_fixed(parts, origcp, origlen, style, order, dt_type, lost))
-            return kDateFound;
-    }
-    return kes::datetext::daterec_by_grammar(parts, origcp, origlen, partonly, style, order, mths, shortmths,
-                                             chatr, dt_type, truncated);
-}
-
 } // extern "C"
 
 int kes::datetext::daterec_by_grammar(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style,

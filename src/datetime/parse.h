@@ -111,17 +111,8 @@ KES_END_DECLS
 #ifdef __cplusplus
 namespace kes::datetext {
 
-/* The fixed forms that machines write ("yyyy-mm-dd", "mm/dd/yyyy" where
-   style and order settle it, "yyyymmdd", each alone or followed by one blank
-   or "T" and "hh:mm[:ss[.ffffff|:mmm]]") read in one pass over bytes of the
-   built-in character set.  True, with parts and *truncated exactly as the
-   grammar leaves them for result 0; false, with nothing written, for any text
-   that the grammar must judge. */
-bool read_fixed(CS_DATEREC *parts, const char *text, int len, int style, int order, CS_INT dt_type,
-                CS_BOOL *truncated);
-
-/* xdaterecfromchar without the fixed forms in front: the grammar alone, the
-   reference that the fixed forms must agree with. */
+/* xdaterecfromchar without the fixed forms of parse_fast.h in front: the
+   grammar alone, the reference that the fixed forms must agree with. */
 int daterec_by_grammar(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order,
                        char **mths, char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated);
 

@@ -1,7 +1,9 @@
 // The grammar's record made into each of the six storage types, with the
-// base date of a lone time and the range of each type.
+// base date of a lone time and the range of each type; the fixed forms in
+// front of the grammar.
 #include "datetime/calendar.h"
 #include "datetime/parse.h"
+#include "datetime/parse_fast.h"
 
 using namespace kes::cal;
 using kes::datetext::Route;
@@ -11,19 +13,33 @@ namespace {
 constexpr int kNoDate = 99;
 constexpr int kBadValue = 1;
 
+// The fixed forms, where they apply and the text is one of them: the record
+// as the grammar would leave it for result 0.
+[[gnu::always_inline]] inline bool read_fixed_form(CS_DATEREC *parts, char *origcp, int origlen, int partonly,
+                                                   int style, int order, CHAR_ATTRIB *chatr, CS_INT dt_type,
+                                                   CS_BOOL *truncated)
+{
+    if (!kes::datetext::fixed_forms_apply(partonly, chatr))
+        return false;
+    CS_BOOL ignored;
+    CS_BOOL *lost = truncated != nullptr ? truncated : &ignored;
+    *lost = 0;
+    return kes::datetext::read_fixed(parts, origcp, origlen, style, order, dt_type, lost);
+}
+
 // Every reader below is stamped out for both routes to the record: the
-// exported ones try the fixed forms first, the others are the grammar alone
-// that those must agree with.
+// exported ones try the fixed forms first and make in-range records in line,
+// the others are the grammar and the make operations alone, which those must
+// agree with.
 template <Route R>
 int read_record(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order, char **mths,
                 char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated)
 {
-    if constexpr (R == Route::fixed_first)
-        return xdaterecfromchar(parts, origcp, origlen, partonly, style, order, mths, shortmths, chatr, dt_type,
-                                truncated);
-    else
-        return kes::datetext::daterec_by_grammar(parts, origcp, origlen, partonly, style, order, mths, shortmths,
-                                                 chatr, dt_type, truncated);
+    if (R == Route::fixed_first &&
+        read_fixed_form(parts, origcp, origlen, partonly, style, order, chatr, dt_type, truncated))
+        return 0;
+    return kes::datetext::daterec_by_grammar(parts, origcp, origlen, partonly, style, order, mths, shortmths, chatr,
+                                             dt_type, truncated);
 }
 
 template <Route R>
@@ -33,10 +49,19 @@ int datetime_of(CS_DATETIME *dtp, char *origcp, int origlen, int partonly, int s
     dtp->dtdays = 0;
     dtp->dttime = 0;
     CS_DATEREC parts{};
-    const int rc = read_record<R>(&parts, origcp, origlen, partonly, style, order, mths, shortmths, chatr,
-                                  CS_DATETIME_TYPE, truncated);
-    if (rc != 0 && rc != kNoDate)
-        return rc;
+    int rc = 0;
+    // A fixed form goes on to the in-line value apart from the grammar's
+    // road, so that its fields need not pass through memory.
+    if (R == Route::fixed_first &&
+        read_fixed_form(&parts, origcp, origlen, partonly, style, order, chatr, CS_DATETIME_TYPE, truncated)) {
+        if (kes::datetext::datetime_in_range(parts, dtp))
+            return 0;
+    } else {
+        rc = kes::datetext::daterec_by_grammar(&parts, origcp, origlen, partonly, style, order, mths, shortmths,
+                                               chatr, CS_DATETIME_TYPE, truncated);
+        if (rc != 0 && rc != kNoDate)
+            return rc;
+    }
     if (com__timemake(dtp, &parts) != 0)
         return kBadValue;
     return rc == kNoDate ? 0 : com__datemake(dtp, &parts);
@@ -49,10 +74,17 @@ int bigdatetime_of(CS_BIGDATETIME *bdt, char *origcp, int origlen, int partonly,
     *bdt = 0;
     CS_DATEREC parts{};
     CS_BOOL truncated;
-    const int rc = read_record<R>(&parts, origcp, origlen, partonly, style, order, mths, shortmths, chatr,
-                                  CS_BIGDATETIME_TYPE, &truncated);
-    if (rc != 0 && rc != kNoDate)
-        return rc;
+    int rc = 0;
+    if (R == Route::fixed_first &&
+        read_fixed_form(&parts, origcp, origlen, partonly, style, order, chatr, CS_BIGDATETIME_TYPE, &truncated)) {
+        if (kes::datetext::bigdatetime_in_range(parts, bdt))
+            return 0;
+    } else {
+        rc = kes::datetext::daterec_by_grammar(&parts, origcp, origlen, partonly, style, order, mths, shortmths,
+                                               chatr, CS_BIGDATETIME_TYPE, &truncated);
+        if (rc != 0 && rc != kNoDate)
+            return rc;
+    }
     CS_BIGTIME time = 0;
     const int timestatus = com__bigtimemake(&time, &parts);
     if (rc == kNoDate) {
@@ -161,6 +193,13 @@ const kes::datetext::Readers &kes::datetext::readers(Route route)
 }
 
 extern "C" {
+
+int xdaterecfromchar(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order,
+                     char **mths, char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated)
+{
+    return read_record<Route::fixed_first>(parts, origcp, origlen, partonly, style, order, mths, shortmths, chatr,
+                                           dt_type, truncated);
+}
 
 int xdatefromchar(CS_DATETIME *dtp, char *origcp, int origlen, int partonly, int style, int order,
                   char **mths, char **shortmths, CHAR_ATTRIB *chatr, CS_BOOL *truncated)

@@ -1,7 +1,9 @@
-// The fixed forms read in front of the date grammar: which texts they take,
-// and a seeded run of generated texts through every reader by both routes
-// (fixed forms first, grammar alone) that must agree in result, truncation
-// flag and every byte written, for all date orders, styles and types.
+// The fixed forms read in front of the date grammar: which texts they take;
+// the in-line values of in-range records against the make operations over
+// the whole calendar; and a seeded run of generated texts through every
+// reader by both routes (fixed forms first, grammar alone) that must agree in
+// result, truncation flag and every byte written, for all date orders, styles
+// and types.
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -11,6 +13,7 @@
 #include "datetime/calendar.h"
 #include "datetime/format.h"
 #include "datetime/parse.h"
+#include "datetime/parse_fast.h"
 #include "kescomn/charattr.h"
 #include "support/context.h"
 
@@ -294,6 +297,98 @@ TEST(DateFixedForms, TruncationFlagClearedAndSetLikeTheGrammar)
         EXPECT_EQ(r.datemsecond, row.msecond) << row.text;
         EXPECT_EQ(r.datesecfrac, row.secfrac) << row.text;
         EXPECT_EQ(r.datesecprec, row.secprec) << row.text;
+    }
+}
+
+// The in-line values against the make operations, on one record.
+void expect_made_alike(const CS_DATEREC &r)
+{
+    CS_DATEREC copy = r;
+    CS_DATETIME quick{}, made{};
+    CS_BIGDATETIME bigquick = 0;
+    CS_BIGTIME time = 0;
+    CS_BIGDATETIME date = 0;
+    const bool in = com__timemake(&made, &copy) == 0 && com__datemake(&made, &copy) == 0;
+    const bool bigin = com__bigtimemake(&time, &copy) == 0 && com__bigdatemake(&date, &copy) == 0;
+    ASSERT_EQ(kes::datetext::datetime_in_range(r, &quick), in) << r.dateyear << "-" << r.datemonth << "-" << r.datedmonth;
+    ASSERT_EQ(kes::datetext::bigdatetime_in_range(r, &bigquick), bigin);
+    if (in) {
+        ASSERT_EQ(quick.dtdays, made.dtdays) << r.dateyear << "-" << r.datemonth << "-" << r.datedmonth;
+        ASSERT_EQ(quick.dttime, made.dttime) << r.datehour << ":" << r.dateminute << ":" << r.datesecond;
+    }
+    if (bigin) {
+        ASSERT_EQ(bigquick, date + time);
+    }
+}
+
+TEST(DateFixedForms, InRangeValuesMatchTheMakeOperations)
+{
+    // Every day of the calendar, each at another time.
+    for (CS_INT days = kes::cal::kMinDays; days <= kes::cal::kMaxDays; days++) {
+        CS_DATETIME dt{days, 0};
+        CS_DATEREC r{};
+        com__datecrack(&dt, &r);
+        const auto n = static_cast<unsigned>(days - kes::cal::kMinDays);
+        r.datehour = static_cast<CS_INT>(n % 24);
+        r.dateminute = static_cast<CS_INT>(n / 24 % 60);
+        r.datesecond = static_cast<CS_INT>(n % 60);
+        r.datemsecond = static_cast<CS_INT>(n % 1000);
+        expect_made_alike(r);
+        if (HasFatalFailure())
+            return;
+    }
+    // Every second of a day with every millisecond, and microseconds.
+    CS_DATEREC r{};
+    r.dateyear = 2000;
+    r.datedmonth = 29;
+    r.datemonth = 1;
+    for (int s = 0; s < 86400; s++) {
+        r.datehour = s / 3600;
+        r.dateminute = s / 60 % 60;
+        r.datesecond = s % 60;
+        r.datesecprec = s % 2 ? 1000000 : 0;
+        r.datesecfrac = s * 7919 % 1000000;
+        r.datemsecond = s % 1000;
+        expect_made_alike(r);
+        if (HasFatalFailure())
+            return;
+    }
+    // One field out of range at a time: the make operations must see it.
+    struct Edit {
+        CS_INT CS_DATEREC::*field;
+        CS_INT value;
+    };
+    const Edit edits[] = {
+        {&CS_DATEREC::dateyear, 0},      {&CS_DATEREC::dateyear, 10000},   {&CS_DATEREC::dateyear, -1},
+        {&CS_DATEREC::datemonth, -1},    {&CS_DATEREC::datemonth, 12},     {&CS_DATEREC::datedmonth, 0},
+        {&CS_DATEREC::datedmonth, 32},   {&CS_DATEREC::datedmonth, -5},    {&CS_DATEREC::datehour, 24},
+        {&CS_DATEREC::datehour, -1},     {&CS_DATEREC::dateminute, 60},    {&CS_DATEREC::datesecond, 60},
+        {&CS_DATEREC::datemsecond, 1000}, {&CS_DATEREC::datemsecond, -1},  {&CS_DATEREC::datesecfrac, 1000000},
+        {&CS_DATEREC::datesecfrac, -1},
+    };
+    for (int year : {1, 1900, 1999, 2000, 2100, 2400, 9999}) {
+        for (int month = 0; month < 12; month++) {
+            for (int day : {28, 29, 30, 31}) {
+                CS_DATEREC base{};
+                base.dateyear = year;
+                base.datemonth = month;
+                base.datedmonth = day;
+                base.datehour = 23;
+                base.dateminute = 59;
+                base.datesecond = 59;
+                base.datemsecond = 999;
+                for (const Edit &e : edits) {
+                    for (CS_INT prec : {0, 1000000}) {
+                        CS_DATEREC r = base;
+                        r.datesecprec = prec;
+                        r.*e.field = e.value;
+                        expect_made_alike(r);
+                        if (HasFatalFailure())
+                            return;
+                    }
+                }
+            }
+        }
     }
 }
 

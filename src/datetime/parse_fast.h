@@ -1,13 +1,26 @@
-// The fixed forms that machines write, read straight from their bytes.  Each
-// form is recognised only where the token grammar would give the very same
-// record and result 0; every other text, including texts with errors, is left
-// to the grammar, so that the grammar alone decides every failure.
+/*
+** The fixed forms that machines write, read straight from their bytes in
+** front of the date grammar, and the stored value of a record whose fields
+** are all in range.  Inline, so that a reader keeps the fields in registers
+** from the text to the stored value.
+**
+** A form is recognised only where the grammar would give the very same record
+** and result 0; every other text, including every text with an error, is left
+** to the grammar, so that the grammar alone decides every failure.  Likewise
+** the in-range values leave every status to the calendar's make operations.
+*/
+#ifndef KESCOMN_DATETIME_PARSE_FAST_H
+#define KESCOMN_DATETIME_PARSE_FAST_H
+
 #include <cstdint>
 #include <cstring>
 
+#include "datetime/calendar.h"
 #include "datetime/parse.h"
+#include "kescomn/charattr.h"
 
-namespace {
+namespace kes::datetext {
+namespace fixed_detail {
 
 using Byte = unsigned char;
 
@@ -19,8 +32,8 @@ using Byte = unsigned char;
     return w;
 }
 
-constexpr uint64_t kZeros = 0x3030303030303030ULL; // "0" in every byte
-constexpr uint64_t kHigh = 0xF0F0F0F0F0F0F0F0ULL;
+inline constexpr uint64_t kZeros = 0x3030303030303030ULL; // "0" in every byte
+inline constexpr uint64_t kHigh = 0xF0F0F0F0F0F0F0F0ULL;
 
 // Whether the bytes of w that mask selects are all digits.  Past the exclusive
 // or a digit is 0 to 9 and any other byte has a high nibble, or gains one when
@@ -69,7 +82,7 @@ struct Fields {
 // month then day: the order that the grammar settles from style and order,
 // with the year already placed.  -1 where the grammar would not find a date
 // this way (a style that does not take the 4-digit year, a bad order).
-int month_first(int style, int order, bool year_leads)
+inline int month_first(int style, int order, bool year_leads)
 {
     switch (style) {
     case 0: case 9:
@@ -93,7 +106,8 @@ int month_first(int style, int order, bool year_leads)
 // the start; the bytes taken, 0 for none of them.
 [[gnu::always_inline]] inline int read_date(const Byte *p, int len, int style, int order, Fields *f)
 {
-    if (len < 8)
+    // Every form starts with a digit: names and blanks leave at once.
+    if (len < 8 || static_cast<unsigned>(p[0] - '0') > 9)
         return 0;
     const uint64_t w = load8(p);
     if (len >= 10 && date_ends(p, len, 10)) {
@@ -176,11 +190,26 @@ int month_first(int style, int order, bool year_leads)
     return true;
 }
 
-} // namespace
+} // namespace fixed_detail
 
-bool kes::datetext::read_fixed(CS_DATEREC *parts, const char *text, int len, int style, int order,
-                               CS_INT dt_type, CS_BOOL *truncated)
+/* Whether the fixed forms may be tried: they read bytes as they stand, which
+   only the built-in character set guarantees, and the time-only reading
+   (partonly 3) looks at no date. */
+inline bool fixed_forms_apply(int partonly, CHAR_ATTRIB *chatr)
 {
+    return partonly != 3 && (chatr == nullptr || chatr == com_get_charattrib());
+}
+
+/* "yyyy-mm-dd", "mm-dd-yyyy" where style and order settle month and day (any
+   of "-", "/" and "." for the two separators), or "yyyymmdd"; each alone or
+   followed by one blank or "T" and "hh:mm", "hh:mm:ss", "hh:mm:ss.f" (1 to 6
+   digits) or "hh:mm:ss:m" (1 to 3 digits).  True with parts and *truncated as
+   the grammar leaves them for result 0; false, with nothing written, for any
+   other text. */
+[[gnu::always_inline]] inline bool read_fixed(CS_DATEREC *parts, const char *text, int len, int style, int order,
+                                              CS_INT dt_type, CS_BOOL *truncated)
+{
+    using namespace fixed_detail;
     const auto *p = reinterpret_cast<const Byte *>(text);
     Fields f;
     const int date = read_date(p, len, style, order, &f);
@@ -214,3 +243,71 @@ bool kes::datetext::read_fixed(CS_DATEREC *parts, const char *text, int len, int
     parts->datesecprec = prec;
     return true;
 }
+
+namespace fixed_detail {
+
+// The day count of com__datemake's sum (0001-01-01 is day 1) for a date
+// whose fields are all in range, else 0.  The leap year is found without a
+// branch: the year of a text is no pattern that a predictor learns.
+[[gnu::always_inline]] inline int64_t days_in_range(const CS_DATEREC &r)
+{
+    const auto year = static_cast<uint32_t>(r.dateyear);
+    const auto month = static_cast<uint32_t>(r.datemonth);
+    if ((year - 1 > 9998) | (month > 11))
+        return 0;
+    const uint32_t prior = year - 1, centuries = prior / 100;
+    // A multiple of 4 that is a multiple of 100 only if also of 400, which
+    // for a multiple of 25 means of 16; an index, so that no branch is made.
+    static constexpr const MONTHCNT *kTables[2] = {monthdays, lmonthdays};
+    const unsigned leap = ((year & 3) == 0) & ((year % 25 != 0) | ((year & 15) == 0));
+    const MONTHCNT &m = kTables[leap][month];
+    if (static_cast<uint32_t>(r.datedmonth) - 1 >= static_cast<uint32_t>(m.daysinmonth))
+        return 0;
+    return int64_t{365} * prior + prior / 4 - centuries + centuries / 4 + m.daysum + r.datedmonth;
+}
+
+// Seconds since midnight of an in-range time, else -1.
+[[gnu::always_inline]] inline int64_t seconds_in_range(const CS_DATEREC &r)
+{
+    const auto hour = static_cast<uint32_t>(r.datehour), minute = static_cast<uint32_t>(r.dateminute),
+               second = static_cast<uint32_t>(r.datesecond);
+    if ((hour > 23) | (minute > 59) | (second > 59))
+        return -1;
+    return int64_t{hour} * 3600 + minute * 60 + second;
+}
+
+} // namespace fixed_detail
+
+/* The CS_DATETIME that com__timemake and com__datemake make of a record whose
+   fields are all in range; false, with nothing written, when one is not, so
+   that those report it. */
+[[gnu::always_inline]] inline bool datetime_in_range(const CS_DATEREC &r, CS_DATETIME *dtp)
+{
+    using namespace fixed_detail;
+    const int64_t days = days_in_range(r), seconds = seconds_in_range(r);
+    const auto ms = static_cast<uint32_t>(r.datesecprec == 1000000 ? r.datesecfrac / 1000 : r.datemsecond);
+    if ((days == 0) | (seconds < 0) | (ms > 999))
+        return false;
+    dtp->dtdays = static_cast<CS_INT>(days - (kes::cal::kEpochDays + 1));
+    // 999 ms would round to 300 ticks, the next second.
+    dtp->dttime = static_cast<CS_INT>(seconds * kes::cal::kTicksPerSecond + (ms == 999 ? 299 : (3 * ms + 5) / 10));
+    return true;
+}
+
+/* The same for com__bigtimemake and com__bigdatemake: the CS_BIGDATETIME of
+   the record. */
+[[gnu::always_inline]] inline bool bigdatetime_in_range(const CS_DATEREC &r, CS_BIGDATETIME *bdt)
+{
+    using namespace fixed_detail;
+    const int64_t days = days_in_range(r), seconds = seconds_in_range(r);
+    const int64_t frac = r.datesecprec == 1000000 ? int64_t{r.datesecfrac} : int64_t{r.datemsecond} * 1000;
+    if ((days == 0) | (seconds < 0) | (static_cast<uint64_t>(frac) > 999999))
+        return false;
+    *bdt = static_cast<uint64_t>(days - 1) * kes::cal::kMicrosPerDay + kes::cal::kBigMin +
+           static_cast<uint64_t>(seconds * kes::cal::kMicrosPerSecond + frac);
+    return true;
+}
+
+} // namespace kes::datetext
+
+#endif
