@@ -19,8 +19,8 @@ using kes::test::hex;
 
 constexpr int kText = 1, kBinary = 2, kWhole = 3, kUnicode = 4;
 
-struct Row { int size, pad; };
 // The table by row, written out from its definition: note rows 1 and 2.
+struct Row { int size, pad; };
 constexpr Row kRows[CS_MAX_TYPE] = {
     {0, kText},   {0, kText},   {0, kBinary}, {0, kBinary}, {0, kText},   {0, kBinary}, {1, kWhole},
     {2, kWhole},  {4, kWhole},  {4, kWhole},  {8, kWhole},  {1, kWhole},  {8, kWhole},  {8, kWhole},
@@ -30,8 +30,7 @@ constexpr Row kRows[CS_MAX_TYPE] = {
     {8, kWhole},  {8, kWhole},  {48, kWhole}, {48, kWhole}, {48, kWhole},
 };
 
-// The bytes of a row's null: zeros but for the numeric precision and the
-// locator tag.
+// A row's null: zeros but for the numeric precision and the locator tag.
 std::vector<CS_BYTE> builtin_bytes(int row)
 {
     std::vector<CS_BYTE> v(static_cast<size_t>(kRows[row].size), 0);
@@ -42,6 +41,16 @@ std::vector<CS_BYTE> builtin_bytes(int row)
         std::memcpy(v.data(), &tag, sizeof tag);
     }
     return v;
+}
+
+// A get into 300 bytes of ee: the bytes it counts and `extra` past them.
+std::string get_null(CS_CONTEXT *ctx, CS_DATAFMT df, CS_INT destlen, size_t extra = 1)
+{
+    CS_BYTE dest[300];
+    std::memset(dest, 0xee, sizeof dest);
+    CS_INT outlen = -1;
+    EXPECT_EQ(com_null_get(ctx, &df, dest, destlen, &outlen), CS_SUCCEED);
+    return hex(dest, static_cast<size_t>(outlen) + extra);
 }
 
 // Fills of the empty text and binary nulls and of the one zero byte of a
@@ -92,46 +101,33 @@ TEST(NullTable, EveryRowItsContextCopyAndItsFillUnderEveryFormat)
     }
 }
 
+// A whole value is cut to the capacity; a numeric's length follows the
+// precision (1 to 77; else the null's own size), its first two bytes are
+// precision and scale (nullptr: all 35 bytes).
 TEST(NullGet, CapacitiesAndNumericLengths)
 {
     Context ctx;
-    // A numeric's length follows the precision (1 to 77; else the null's
-    // own size), its first two bytes are precision and scale.
     struct Case { CS_INT type, precision, scale, destlen; const char *bytes; };
     const Case cases[] = {
-        {CS_INT_TYPE, 0, 0, 0, ""},          {CS_INT_TYPE, 0, 0, 1, "00"},       {CS_INT_TYPE, 0, 0, 3, "000000"},
-        {CS_INT_TYPE, 0, 0, 4, "00000000"},  {CS_INT_TYPE, 0, 0, 5, "00000000"}, {CS_INT_TYPE, 0, 0, -1, ""},
-        {CS_DATETIME4_TYPE, 0, 0, 8, "0000000000000000"}, // 8 bytes for a 4-byte type
-        {CS_BIGTIME_TYPE, 0, 0, 7, "00000000000000"},
-        {CS_NUMERIC_TYPE, 10, 2, 35, "0a02000000000000"}, {CS_NUMERIC_TYPE, 1, 0, 35, "01000000"},
-        {CS_NUMERIC_TYPE, 38, 0, 10, "26000000000000000000"}, {CS_NUMERIC_TYPE, 10, 2, 1, "0a"},
-        {CS_NUMERIC_TYPE, 77, 5, 35, nullptr}, {CS_NUMERIC_TYPE, 0, 0, 35, nullptr}, {CS_NUMERIC_TYPE, 78, 0, 35, nullptr},
+        {CS_INT_TYPE, 0, 0, 0, ""}, {CS_INT_TYPE, 0, 0, 3, "000000"}, {CS_INT_TYPE, 0, 0, 5, "00000000"},
+        {CS_INT_TYPE, 0, 0, -1, ""}, {CS_DATETIME4_TYPE, 0, 0, 8, "0000000000000000"}, // 8 bytes for a 4-byte type
+        {CS_BIGTIME_TYPE, 0, 0, 7, "00000000000000"}, {CS_NUMERIC_TYPE, 10, 2, 35, "0a02000000000000"},
+        {CS_NUMERIC_TYPE, 1, 0, 35, "01000000"}, {CS_NUMERIC_TYPE, 38, 0, 10, "26000000000000000000"},
+        {CS_NUMERIC_TYPE, 10, 2, 1, "0a"}, {CS_NUMERIC_TYPE, 77, 5, 35, nullptr},
+        {CS_NUMERIC_TYPE, 0, 0, 35, nullptr}, {CS_NUMERIC_TYPE, 78, 0, 35, nullptr},
     };
     for (const Case &c : cases) {
-        SCOPED_TRACE(std::to_string(c.type) + " precision " + std::to_string(c.precision) + " in " +
-                     std::to_string(c.destlen));
-        CS_DATAFMT df = fmt(c.type, 1, CS_FMT_PADBLANK | CS_FMT_NULLTERM, c.precision, c.scale);
-        CS_BYTE dest[40];
-        std::memset(dest, 0xee, sizeof dest);
-        CS_INT outlen = -1;
-        EXPECT_EQ(com_null_get(ctx.get(), &df, dest, c.destlen, &outlen), CS_SUCCEED);
-        // nullptr: the whole 35 bytes, precision, scale and zeros
-        std::string want = c.bytes ? c.bytes : hex(&c.precision, 1) + hex(&c.scale, 1) + std::string(66, '0');
-        EXPECT_EQ(hex(dest, static_cast<size_t>(outlen) + 1), want + "ee") << "one past untouched";
+        SCOPED_TRACE(testing::Message() << c.type << " precision " << c.precision << " in " << c.destlen);
+        const std::string want = c.bytes ? c.bytes : hex(&c.precision, 1) + hex(&c.scale, 1) + std::string(66, '0');
+        EXPECT_EQ(get_null(ctx.get(), fmt(c.type, 1, CS_FMT_PADBLANK | CS_FMT_NULLTERM, c.precision, c.scale), c.destlen),
+                  want + "ee") << "one past untouched";
     }
 }
 
 TEST(NullSet, ReplaceClearAndReinstall)
 {
     Context ctx;
-    CS_BYTE dest[8];
-    CS_INT outlen = 0;
-    auto get = [&](CS_INT type, CS_INT format) {
-        CS_DATAFMT df = fmt(type, 5, format);
-        std::memset(dest, 0xee, sizeof dest);
-        EXPECT_EQ(com_null_get(ctx.get(), &df, dest, 5, &outlen), CS_SUCCEED);
-        return hex(dest, static_cast<size_t>(outlen) + 1);
-    };
+    auto get = [&](CS_INT type, CS_INT format) { return get_null(ctx.get(), fmt(type, 5, format), 5); };
     CS_BYTE two[2] = {0x12, 0x34};
     ASSERT_EQ(com_null_set(ctx.get(), CS_INT_TYPE, two, 2), CS_SUCCEED);
     EXPECT_EQ(get(CS_INT_TYPE, 0), "1234ee");
@@ -156,14 +152,7 @@ TEST(NullSet, ReplaceClearAndReinstall)
 TEST(NullUser, DefaultInstallReplaceAndRemove)
 {
     Context ctx;
-    auto get = [&](CS_INT type, CS_INT destlen) {
-        CS_DATAFMT df = fmt(type, 10);
-        CS_BYTE dest[16];
-        std::memset(dest, 0xee, sizeof dest);
-        CS_INT outlen = -1;
-        EXPECT_EQ(com_null_get(ctx.get(), &df, dest, destlen, &outlen), CS_SUCCEED);
-        return hex(dest, static_cast<size_t>(outlen));
-    };
+    auto get = [&](CS_INT type, CS_INT destlen) { return get_null(ctx.get(), fmt(type, 10), destlen, 0); };
     EXPECT_EQ(get(100, 10), "") << "a user type without a null has an empty one";
     CS_BYTE abc[3] = {'a', 'b', 'c'}, xy[2] = {'x', 'y'};
     ASSERT_EQ(com_null_set(ctx.get(), 100, abc, 3), CS_SUCCEED);
@@ -222,8 +211,7 @@ TEST(SetNull, FixedSizesTextFormsAndTheirOverflow)
 {
     using Setter = CS_INT (*)(CS_BYTE *, CS_INT, CS_BYTE *, CS_INT);
     struct Case { Setter set; CS_INT destlen; const char *value; CS_INT result; const char *bytes; };
-    // bytes: hex of the start of dest (filled with ee first); value nullptr
-    // stands for no value.
+    // bytes: the start of dest (ee before); value nullptr: no value.
     const Case cases[] = {
         // Fixed sizes: the value cut or zero-extended to the size, whatever destlen says.
         {com_seti1null, 12, "\x01\x02", 1, "01ee"}, {com_seti2null, 0, "\x01\x02\x03", 2, "0102ee"},

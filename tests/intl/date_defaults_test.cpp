@@ -1,10 +1,8 @@
 // The built-in date conventions, the date order codes, and which locale's
-// date record the date queries read: none, the context's, the format's, or a
-// locale whose time data is not loaded.
+// date record the date queries read.
 #include <cstdio>
-#include <ostream>
 #include <string>
-#include <utility>
+#include <tuple>
 #include <vector>
 
 #include "datetime/calendar.h"
@@ -16,50 +14,38 @@
 
 namespace {
 
-std::vector<std::string> texts(CS_CHAR **names, int n)
-{
-    return std::vector<std::string>(names, names + n);
-}
+using Strings = std::vector<std::string>;
 
-// A locale handle whose time category is a cache filled by hand, with a date
-// record unlike the built-in one in every field the queries read.
+// A locale whose time cache is filled by hand, unlike the built-in record in
+// every field the queries read: months "<tag>month<i>", short months
+// "<tag><i>", days "<tag>day<i>".
 struct HandLocale {
-    CS_BYTE month[12][12]{};
-    CS_BYTE shortmonth[12][4]{};
-    CS_BYTE day[7][12]{};
+    char text[31][12]{};
     CS_DATEINFO info{};
     CsLocCache cache{};
     CS_LOCALE locale{};
-
     HandLocale(char tag, const char *order, int order_id, CS_INT style, CS_INT firstday, CS_INT is12hour)
     {
         for (int i = 0; i < 12; i++) {
-            std::snprintf(reinterpret_cast<char *>(month[i]), sizeof month[i], "%cmonth%d", tag, i);
-            std::snprintf(reinterpret_cast<char *>(shortmonth[i]), sizeof shortmonth[i], "%c%d", tag, i);
-            info.months[i] = month[i], info.shortmonths[i] = shortmonth[i];
+            std::snprintf(text[i], 12, "%cmonth%d", tag, i);
+            std::snprintf(text[12 + i], 12, "%c%d", tag, i);
+            info.months[i] = reinterpret_cast<CS_BYTE *>(text[i]);
+            info.shortmonths[i] = reinterpret_cast<CS_BYTE *>(text[12 + i]);
         }
         for (int i = 0; i < 7; i++) {
-            std::snprintf(reinterpret_cast<char *>(day[i]), sizeof day[i], "%cday%d", tag, i);
-            info.days[i] = day[i];
+            std::snprintf(text[24 + i], 12, "%cday%d", tag, i);
+            info.days[i] = reinterpret_cast<CS_BYTE *>(text[24 + i]);
         }
         std::snprintf(info.dateorder, sizeof info.dateorder, "%s", order);
-        info.locdateorder_id = order_id, info.convertfmt = style;
-        info.firstday = firstday, info.is12hour = is12hour;
+        info.locdateorder_id = order_id, info.convertfmt = style, info.firstday = firstday, info.is12hour = is12hour;
         cache.locdateinfo = &info;
         locale.timeptr = &cache;
     }
 };
 
-// Everything the queries answer, taken in one go.
-struct Answers {
-    std::string month0, shortmonth11, day0, order;
-    CS_INT firstday;
-    int order_id;
-    CS_BOOL is12hour;
-    CS_INT dtfmt, dtloc, dtloc_fmt;
-
-    bool operator==(const Answers &) const = default;
-};
+// Everything the queries answer, in one record: month 0, short month 11,
+// day 0, order, first day, order id, 12-hour, style, and the two style forms.
+using Answers = std::tuple<std::string, std::string, std::string, std::string, CS_INT, int, CS_BOOL, CS_INT, CS_INT, CS_INT>;
 
 Answers ask(CS_CONTEXT *context, CS_DATAFMT *dfmt)
 {
@@ -70,152 +56,106 @@ Answers ask(CS_CONTEXT *context, CS_DATAFMT *dfmt)
             comn_dtloc_format(context, dfmt->locale), comn_dtloc_format_fmt(context, dfmt->locale)};
 }
 
-std::ostream &operator<<(std::ostream &os, const Answers &a)
+TEST(DateDefaults, TablesHoldTheEnglishConventionsSharedWithTheDateCode)
 {
-    return os << a.month0 << "/" << a.shortmonth11 << "/" << a.day0 << "/" << a.order << " first " << a.firstday
-              << " id " << a.order_id << " 12h " << a.is12hour << " fmt " << a.dtfmt << "/" << a.dtloc << "/"
-              << a.dtloc_fmt;
-}
-
-// The built-in conventions; comn_dtloc_format_fmt gives the order id there.
-const Answers kBuiltIn{"January", "Dec", "Sun", "mdy", 7, 1, 1, 0, 1, 1};
-const Answers kHandA{"Amonth0", "A11", "Aday0", "dmy", 1, 2, 0, 103, 2, 103};
-const Answers kHandB{"Bmonth0", "B11", "Bday0", "ydm", 3, 4, 1, 113, 4, 113};
-
-TEST(DateDefaults, TablesHoldTheEnglishConventions)
-{
-    EXPECT_EQ(texts(com__get_months(), 12),
-              (std::vector<std::string>{"January", "February", "March", "April", "May", "June", "July", "August",
-                                        "September", "October", "November", "December"}));
-    EXPECT_EQ(texts(com__get_shortmonths(), 12),
-              (std::vector<std::string>{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct",
-                                        "Nov", "Dec"}));
-    EXPECT_EQ(texts(com__get_weekdays(), 7), (std::vector<std::string>{"Sunday", "Monday", "Tuesday", "Wednesday",
-                                                                        "Thursday", "Friday", "Saturday"}));
-    EXPECT_EQ(texts(com__get_days(), 7),
-              (std::vector<std::string>{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"}));
-    EXPECT_EQ(texts(com__get_ampm(), 2), (std::vector<std::string>{"AM", "PM"}));
+    EXPECT_EQ(Strings(com__get_months(), com__get_months() + 12),
+              (Strings{"January", "February", "March", "April", "May", "June", "July", "August", "September",
+                       "October", "November", "December"}));
+    EXPECT_EQ(Strings(com__get_shortmonths(), com__get_shortmonths() + 12),
+              (Strings{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"}));
+    EXPECT_EQ(Strings(com__get_weekdays(), com__get_weekdays() + 7),
+              (Strings{"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"}));
+    EXPECT_EQ(Strings(com__get_days(), com__get_days() + 7), (Strings{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"}));
+    EXPECT_EQ(Strings(com__get_ampm(), com__get_ampm() + 2), (Strings{"AM", "PM"}));
     EXPECT_EQ(com__get_firstday(), 7);
     EXPECT_STREQ(com__get_date_order(), "mdy");
     EXPECT_EQ(com__get_date_order_id(), 1);
-}
-
-// The date code's names for the English lists are the same tables, not copies.
-TEST(DateDefaults, DateCodeSharesTheTables)
-{
+    // The same tables, not copies.
     EXPECT_EQ(kes::datetext::en_short_months(), com__get_shortmonths());
     EXPECT_EQ(kes::datetext::ampm(), com__get_ampm());
     EXPECT_EQ(Com__en_months, com__get_months());
     EXPECT_EQ(Com__en_days, com__get_weekdays());
 }
 
+// Anything but the six exact lower-case orders is "mdy".
 TEST(DateDefaults, OrderTextToIdToStyle)
 {
-    struct Case {
-        const char *text;
-        int id;
-        int style;
-    };
-    const Case cases[] = {{"mdy", 1, 0},  {"dmy", 2, 3}, {"ymd", 3, 11}, {"ydm", 4, 13}, {"myd", 5, 14},
-                          {"dym", 6, 15}, {"", 1, 0},    {"MDY", 1, 0},  {"md", 1, 0},   {"dmyx", 1, 0},
-                          {"xyz", 1, 0},  {nullptr, 1, 0}};
-    for (const Case &c : cases) {
-        const char *shown = c.text ? c.text : "(null)";
-        EXPECT_EQ(com__get_dateorder_id(c.text), c.id) << shown;
-        EXPECT_EQ(com__map_dateorder_id_to_fmt(com__get_dateorder_id(c.text)), c.style) << shown;
+    const std::tuple<const char *, int, int> cases[] = {
+        {"mdy", 1, 0}, {"dmy", 2, 3}, {"ymd", 3, 11}, {"ydm", 4, 13}, {"myd", 5, 14}, {"dym", 6, 15},
+        {"", 1, 0},    {"MDY", 1, 0}, {"md", 1, 0},   {"dmyx", 1, 0}, {nullptr, 1, 0}};
+    for (auto [text, id, style] : cases) {
+        EXPECT_EQ(com__get_dateorder_id(text), id) << (text ? text : "(null)");
+        EXPECT_EQ(com__map_dateorder_id_to_fmt(id), style) << id;
     }
-}
-
-TEST(DateDefaultsDeathTest, UnknownOrderIdIsFatal)
-{
     EXPECT_BOMB(com__map_dateorder_id_to_fmt(0));
     EXPECT_BOMB(com__map_dateorder_id_to_fmt(7));
 }
 
+// The format's locale first (loaded or not), then the context's, then the
+// built-in record.
 TEST(DateQueries, WhichLocaleAnswers)
 {
-    HandLocale a('A', "dmy", 2, 103, 1, 0);
-    HandLocale b('B', "ydm", 4, 113, 3, 1);
+    HandLocale a('A', "dmy", 2, 103, 1, 0), b('B', "ydm", 4, 113, 3, 1);
     CsLocCache no_dates{};
-    CS_LOCALE unloaded{};
+    CS_LOCALE unloaded{}, no_time{};
     unloaded.timeptr = &no_dates;
-    CS_LOCALE no_time{};
-
-    CS_CONTEXT bare{};
-    CS_CONTEXT with_a{};
+    CS_CONTEXT bare{}, with_a{}, with_unloaded{};
     with_a.ctxlocale = &a.locale;
-    CS_CONTEXT with_unloaded{};
     with_unloaded.ctxlocale = &unloaded;
-
-    struct Case {
-        const char *what;
-        CS_CONTEXT *context;
-        CS_LOCALE *fmt_locale;
-        const Answers &expect;
+    // The built-in style is 0 but comn_dtloc_format_fmt gives the order id there.
+    const Answers builtin{"January", "Dec", "Sun", "mdy", 7, 1, 1, 0, 1, 1};
+    const Answers hand_a{"Amonth0", "A11", "Aday0", "dmy", 1, 2, 0, 103, 2, 103};
+    const Answers hand_b{"Bmonth0", "B11", "Bday0", "ydm", 3, 4, 1, 113, 4, 113};
+    const std::tuple<const char *, CS_CONTEXT *, CS_LOCALE *, const Answers &> cases[] = {
+        {"no context", nullptr, nullptr, builtin},
+        {"context without locale", &bare, nullptr, builtin},
+        {"context locale", &with_a, nullptr, hand_a},
+        {"format locale, no context", nullptr, &b.locale, hand_b},
+        {"format locale over context locale", &with_a, &b.locale, hand_b},
+        {"context locale not loaded", &with_unloaded, nullptr, builtin},
+        {"format locale not loaded over context locale", &with_a, &unloaded, builtin},
+        {"format locale without time cache", &with_a, &no_time, builtin},
     };
-    const Case cases[] = {
-        {"no context", nullptr, nullptr, kBuiltIn},
-        {"context without locale", &bare, nullptr, kBuiltIn},
-        {"context locale", &with_a, nullptr, kHandA},
-        {"format locale, no context", nullptr, &b.locale, kHandB},
-        {"format locale over context locale", &with_a, &b.locale, kHandB},
-        {"context locale not loaded", &with_unloaded, nullptr, kBuiltIn},
-        // The format's locale is the one asked about, loaded or not.
-        {"format locale not loaded over context locale", &with_a, &unloaded, kBuiltIn},
-        {"format locale without time cache", &with_a, &no_time, kBuiltIn},
-    };
-    for (const Case &c : cases) {
+    for (const auto &[what, context, locale, want] : cases) {
         CS_DATAFMT dfmt = kes::test::fmt(CS_CHAR_TYPE, 30);
-        dfmt.locale = c.fmt_locale;
-        EXPECT_EQ(ask(c.context, &dfmt), c.expect) << c.what;
+        dfmt.locale = locale;
+        EXPECT_EQ(ask(context, &dfmt), want) << what;
     }
 }
 
 // The styles a date converts to text with pass; every neighbour of a range
-// edge gives 0.
+// edge gives 0, through the format's locale or the context's.
 TEST(DateQueries, ConversionStyleFilter)
 {
-    const std::pair<CS_INT, CS_INT> cases[] = {
-        {0, 0},     {1, 1},     {23, 23},   {24, 0},    {35, 0},    {36, 36},   {40, 40},   {41, 0},
-        {99, 0},    {100, 100}, {118, 118}, {119, 0},   {120, 0},   {121, 121}, {122, 122}, {123, 0},
-        {135, 0},   {136, 136}, {140, 140}, {141, 0},   {-1, 0},    {1000, 0}};
+    const std::pair<CS_INT, CS_INT> cases[] = {{0, 0},     {1, 1},     {23, 23},   {24, 0},   {35, 0},   {36, 36},
+                                               {40, 40},   {41, 0},    {99, 0},    {100, 100}, {118, 118}, {119, 0},
+                                               {120, 0},   {121, 121}, {122, 122}, {123, 0},  {135, 0},  {136, 136},
+                                               {140, 140}, {141, 0},   {-1, 0},    {1000, 0}};
     for (const auto &[style, expect] : cases) {
         HandLocale loc('S', "mdy", 1, style, 7, 1);
         CS_DATAFMT dfmt = kes::test::fmt(CS_CHAR_TYPE, 30);
         dfmt.locale = &loc.locale;
         EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &dfmt), expect) << style;
-        // A format without a locale takes the context's.
         CS_CONTEXT context{};
         context.ctxlocale = &loc.locale;
         dfmt.locale = nullptr;
         EXPECT_EQ(comn_get_datetochar_fmt(&context, &dfmt), expect) << style;
     }
-    CS_DATAFMT plain = kes::test::fmt(CS_CHAR_TYPE, 30);
-    EXPECT_EQ(comn_get_datetochar_fmt(nullptr, &plain), 0); // the built-in style 0 is not among them
 }
 
+// The day's place in one week start read from another; the seventh is 0.
 TEST(DateQueries, WeekdayBetweenWeekStarts)
 {
-    struct Case {
-        CS_INT orig_firstday, orig_day, dest_firstday, expect;
-    };
-    const Case cases[] = {
-        {1, 1, 1, 1}, {1, 7, 1, 0}, // the seventh day of a week reads as 0
-        {7, 2, 1, 1},               // Monday: second from Sunday, first from Monday
-        {7, 1, 1, 0},               // Sunday: first from Sunday, seventh from Monday
-        {1, 7, 7, 1},               // Sunday from a Monday week into a Sunday week
-        {3, 5, 6, 2},               // Sunday: fifth from Wednesday, second from Saturday
-    };
-    for (const Case &c : cases)
-        EXPECT_EQ(com_intl_convt_firstday(c.orig_firstday, c.orig_day, c.dest_firstday), c.expect)
-            << c.orig_firstday << "," << c.orig_day << "," << c.dest_firstday;
+    const std::tuple<CS_INT, CS_INT, CS_INT, CS_INT> cases[] = {
+        {1, 1, 1, 1}, {1, 7, 1, 0}, {7, 2, 1, 1}, {7, 1, 1, 0}, {1, 7, 7, 1}, {3, 5, 6, 2}};
+    for (auto [from_first, day, to_first, want] : cases)
+        EXPECT_EQ(com_intl_convt_firstday(from_first, day, to_first), want) << from_first << "," << day << "," << to_first;
 }
 
 TEST(DateQueriesDeathTest, NullFormatIsFatal)
 {
     CS_CONTEXT context{};
     EXPECT_NULL_POINTER(com_intl_months(&context, nullptr));
-    EXPECT_NULL_POINTER(com_intl_is12hour(nullptr, nullptr));
     EXPECT_NULL_POINTER(comn_get_datetochar_fmt(&context, nullptr));
 }
 
