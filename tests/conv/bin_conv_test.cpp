@@ -1,9 +1,10 @@
-// Binary sources: bytes reinterpreted as each storage record, the numeric
-// header, bit, hexadecimal text, binary and CS_VARBINARY destinations, and the
-// range tests of dates and times.  A CS_BINARY source reports a cut as
-// CS_TRUNCATED, a CS_VARBINARY one as CS_EOVERFLOW.
+// Binary sources: bytes taken as each storage record, the numeric header, bit,
+// hexadecimal text, binary destinations, and the range tests of dates and
+// times.  A CS_BINARY source reports a cut as CS_TRUNCATED, a CS_VARBINARY
+// one as CS_EOVERFLOW.
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/context.h"
@@ -188,25 +189,25 @@ TEST(BinConv, VarcharAndVarbinaryDestinationsHold256)
     }
 }
 
+// A time is a tick count of one day; a date's day must be in range.
 TEST(BinConv, DateAndTimeFromBinaryAreRangeTested)
 {
-    struct Case { CS_CONV_FUNC f; CS_INT type, value, n; CS_RETCODE rc; CS_INT destlen; };
     constexpr CS_INT kTicksPerDay = 300 * 86400;
-    const Case cases[] = {
-        {comn_bintotimea, CS_TIME_TYPE, 0, 4, CS_SUCCEED, 4}, {comn_bintotimea, CS_TIME_TYPE, -1, 4, CS_EDOMAIN, 0},
+    const std::tuple<CS_CONV_FUNC, CS_INT, CS_INT, CS_INT, CS_RETCODE, CS_INT> cases[] = {
+        {comn_bintotimea, CS_TIME_TYPE, 0, 4, CS_SUCCEED, 4},  {comn_bintotimea, CS_TIME_TYPE, -1, 4, CS_EDOMAIN, 0},
         {comn_bintotimea, CS_TIME_TYPE, kTicksPerDay - 1, 4, CS_SUCCEED, 4},
         {comn_bintotimea, CS_TIME_TYPE, kTicksPerDay, 4, CS_EDOMAIN, 0},
         {comn_bintotimea, CS_TIME_TYPE, 5, 5, CS_TRUNCATED, 4}, {comn_bintodatea, CS_DATE_TYPE, 0, 4, CS_SUCCEED, 4},
         {comn_bintodatea, CS_DATE_TYPE, 0x7FFFFFFF, 4, CS_EDOMAIN, 0},
     };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(std::to_string(c.value) + " from " + std::to_string(c.n));
+    for (auto [f, type, value, n, rc, len] : cases) {
+        SCOPED_TRACE(std::to_string(value) + " from " + std::to_string(n));
         CS_BYTE bytes[8] = {};
-        std::memcpy(bytes, &c.value, 4);
-        CS_DATAFMT sf = fmt(CS_BINARY_TYPE, c.n), df = fmt(c.type);
+        std::memcpy(bytes, &value, 4);
+        CS_DATAFMT sf = fmt(CS_BINARY_TYPE, n), df = fmt(type);
         CS_INT out = 0, destlen = -1;
-        EXPECT_EQ(code_name(c.f(ctx(), &sf, bytes, &df, &out, &destlen)), code_name(c.rc));
-        EXPECT_EQ(destlen, c.destlen);
+        EXPECT_EQ(code_name(f(ctx(), &sf, bytes, &df, &out, &destlen)), code_name(rc));
+        EXPECT_EQ(destlen, len);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "intl/test_charsets.h"
 #include "support/context.h"
 
 namespace {
@@ -48,29 +49,11 @@ TEST(BinHex, IntToHexFillsTheWholeCapacity)
     EXPECT_EQ(comnb_i4tohex(&cc, &src, &null_value), CS_ESYNTAX);
 }
 
-// A double-byte set whose characters 0xA3 0xA0..0xFE stand for ASCII 0x20..0x7E.
-CS_ATTRIB *full_width_set()
-{
-    static CS_BYTE width[256];
-    static CS_NORM_MAP norm[2];
-    static CS_ATTRIB attr{};
-    for (int b = 0; b < 256; b++) {
-        width[b] = b >= 0x81 && b <= 0xFE ? 2 : 1;
-        norm[0].norm[b] = b < 0x80 ? static_cast<CS_BYTE>(b) : b == 0xA3 ? 1 : 0;
-        norm[1].norm[b] = b >= 0xA0 && b < 0xFF ? static_cast<CS_BYTE>(b - 0x80) : 0;
-    }
-    attr.cs_maxcharlen = 2;
-    attr.cs_nnorm = 2;
-    attr.cs_width_map = width;
-    attr.cs_norm_map = norm;
-    return &attr;
-}
-
 // Leading zeros do not count, so a long text is cut, never refused for its
 // value; a bad digit after the cut is not seen.
 TEST(BinHex, HexToIntCountsDigitsBeforeTheValue)
 {
-    CS_ATTRIB *set = full_width_set();
+    kes::test::DoubleByte set; // 82 50 is a full-width 1, 82 65 an F, 82 5F has no equivalent
     struct Case { ServerFunc f; CS_INT size; std::string text; CS_RETCODE rc; uint64_t value; CS_INT len;
                   CS_ATTRIB *attr = nullptr; };
     const Case cases[] = {
@@ -90,9 +73,9 @@ TEST(BinHex, HexToIntCountsDigitsBeforeTheValue)
         {comnb_hextoi8, 8, "0x8000000000000000", CS_SUCCEED, 0x8000000000000000ull, 8},
         {comnb_hextoi8, 8, "123456789abcdef01", CS_TRUNCATED, 0x123456789ABCDEF0ull, 8},
         {comnb_hextoi8, 8, "g", CS_ESYNTAX, 0, 0}, {comnb_hextoui8, 8, "FFFFFFFFFFFFFFFF", CS_SUCCEED, ~0ull, 8},
-        {comnb_hextoi4, 4, "\xA3\xB1\xA3\xC6", CS_SUCCEED, 0x1F, 4, set},
-        {comnb_hextoi4, 4, "0x\xA3\xB1" "f", CS_SUCCEED, 0x1F, 4, set},
-        {comnb_hextoi4, 4, "\xB0\xA1", CS_ESYNTAX, 0, 0, set},
+        {comnb_hextoi4, 4, "\x82\x50\x82\x65", CS_SUCCEED, 0x1F, 4, set},
+        {comnb_hextoi4, 4, "0x\x82\x50" "f", CS_SUCCEED, 0x1F, 4, set},
+        {comnb_hextoi4, 4, "\x82\x5F", CS_ESYNTAX, 0, 0, set},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE("text \"" + c.text + "\"");

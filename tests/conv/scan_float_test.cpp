@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "intl/test_charsets.h"
 #include "support/context.h"
 
 namespace {
@@ -92,22 +93,11 @@ TEST(ScanFloat, RangeBeforeSyntaxTheRealLimitAndTheLengthLimit)
     }
 }
 
+// The server layer reads full-width digits and point by their ASCII equivalents.
 TEST(ScanFloat, MultiByteTextIsNormalisedFirst)
 {
-    // A double-byte set whose characters 0xA3 0xA0..0xFE stand for ASCII 0x20..0x7E.
-    CS_BYTE width[256];
-    CS_NORM_MAP norm[2]{};
-    for (int b = 0; b < 256; b++) {
-        width[b] = b >= 0x81 && b <= 0xFE ? 2 : 1;
-        norm[0].norm[b] = b < 0x80 ? static_cast<CS_BYTE>(b) : b == 0xA3 ? 1 : 0;
-        norm[1].norm[b] = b >= 0xA0 && b < 0xFF ? static_cast<CS_BYTE>(b - 0x80) : 0;
-    }
-    CS_ATTRIB attr{};
-    attr.cs_maxcharlen = 2;
-    attr.cs_nnorm = 2;
-    attr.cs_width_map = width;
-    attr.cs_norm_map = norm;
-    check<double>("\xA3\xB1\xA3\xAE\xA3\xB5", CS_SUCCEED, 1.5, &attr);
+    kes::test::DoubleByte set;
+    check<double>("\x82\x50\x81\x44\x82\x54", CS_SUCCEED, 1.5, set);
 }
 
 // Printed doubles of every kind: any finite bit pattern, scaled integers,

@@ -1,7 +1,6 @@
-// Text to integers and bit: every type's limits and one past, blanks and signs
-// in every position, the narrow views' low bits, CS_CHAR and CS_VARCHAR
-// sources and the server layer, multi-byte text, and a differential run
-// against std::from_chars.
+// Text to integers and bit: limits and one past, blanks and signs in every
+// position, the narrow views' low bits, CS_CHAR and CS_VARCHAR sources and the
+// server layer, multi-byte text, and a differential run against from_chars.
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -92,22 +91,14 @@ TEST(ScanInt, LimitsSignsBlanksAndLowBitsInBothLayers)
         {I4, "000000000000000000000000042", CS_SUCCEED, "42"}, {I4, "--1", CS_ESYNTAX, "0"}, {I4, "- - 1", CS_ESYNTAX, "0"},
         {I4, "-a1", CS_ESYNTAX, "0"}, {I4, "12a", CS_ESYNTAX, "12"}, {I4, "-12a", CS_ESYNTAX, "-12"},
         {I4, "1 2", CS_ESYNTAX, "1"}, {I4, "12 +", CS_ESYNTAX, "12"}, {I4, "\t1", CS_ESYNTAX, "0"},
-        {I4, "7\0 "sv, CS_ESYNTAX, "7"}, {I4, "2147483647", CS_SUCCEED, "2147483647"},
-        {I4, "-2147483648", CS_SUCCEED, "-2147483648"}, {I4, "-2147483649", CS_EOVERFLOW, "-2147483640"},
+        {I4, "7\0 "sv, CS_ESYNTAX, "7"}, {I4, "-2147483649", CS_EOVERFLOW, "-2147483640"},
         // 32 bits keep the value read so far: 10v past the second bound, v past the first.
         {I4, "2147483648", CS_EOVERFLOW, "2147483640"}, {I4, "2147483650", CS_EOVERFLOW, "214748365"},
         {I4, "21474836470", CS_EOVERFLOW, "2147483647"}, {I4, "-21474836480", CS_EOVERFLOW, "-2147483648"},
         {I4, "99999999999x", CS_EOVERFLOW, "999999999"},
-        // 64 bits and the unsigned readers saturate; the unsigned refuse any minus.
-        {I8, "9223372036854775807", CS_SUCCEED, "9223372036854775807"},
-        {I8, "-9223372036854775808", CS_SUCCEED, "-9223372036854775808"},
-        {I8, "9223372036854775808", CS_EOVERFLOW, "9223372036854775807"},
-        {I8, "-9223372036854775809", CS_EOVERFLOW, "-9223372036854775808"},
-        {I8, "92233720368547758070", CS_EOVERFLOW, "9223372036854775807"}, {LONG, "-5", CS_SUCCEED, "-5"},
-        {UI4, "4294967295", CS_SUCCEED, "4294967295"}, {UI4, "4294967296", CS_EOVERFLOW, "4294967295"},
-        {UI4, "+7", CS_SUCCEED, "7"}, {UI4, "-0", CS_ESYNTAX, "0"}, {UI4, " + - 1", CS_ESYNTAX, "0"},
-        {UI8, "18446744073709551615", CS_SUCCEED, "18446744073709551615"}, {UI8, "++1", CS_ESYNTAX, "0"},
-        {UI8, "18446744073709551616", CS_EOVERFLOW, "18446744073709551615"}, {UI8, "-1", CS_ESYNTAX, "0"},
+        // The limits of the wide readers are the differential runs' below; the unsigned refuse any minus.
+        {LONG, "-5", CS_SUCCEED, "-5"}, {UI4, "+7", CS_SUCCEED, "7"}, {UI4, "-0", CS_ESYNTAX, "0"},
+        {UI4, " + - 1", CS_ESYNTAX, "0"}, {UI8, "++1", CS_ESYNTAX, "0"}, {UI8, "-1", CS_ESYNTAX, "0"},
         // The narrow views store low bits after a read value, 0 after anything else.
         {I1, "255", CS_SUCCEED, "255"}, {I1, "256", CS_EOVERFLOW, "0"}, {I1, "300", CS_EOVERFLOW, "44"},
         {I1, "-1", CS_EOVERFLOW, "255"}, {I1, "99999999999", CS_EOVERFLOW, "0"}, {I1, "12a", CS_ESYNTAX, "0"},

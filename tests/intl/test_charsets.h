@@ -2,10 +2,11 @@
 // into CS_ATTRIB records by com_build_char_attrib, as a caller that keeps
 // its own images does.
 //  - DoubleByte: lead bytes 81-9F and E0-FC.  Lead 82 carries full-width
-//    letters (82 60..79 upper, 82 81..9A lower, partners 0x21 apart) whose
-//    ASCII equivalents are A-Z and a-z; lead 81 carries a full-width blank
-//    (81 40 -> ' ') and quote (81 66 -> '\'').  Single bytes A1-DF have no
-//    class, no case partner and no equivalent.
+//    digits (82 4F..58 -> 0-9) and letters (82 60..79 upper, 82 81..9A
+//    lower, partners 0x21 apart) whose ASCII equivalents are A-Z and a-z;
+//    lead 81 carries a full-width blank (81 40 -> ' '), point (81 44 -> '.')
+//    and quote (81 66 -> '\'').  Single bytes A1-DF have no class, no case
+//    partner and no equivalent.
 //  - FourByte: lead bytes 81-FE; a lead followed by 30..39 starts a
 //    four-byte character, otherwise two bytes.  No normalization map.
 #ifndef KESCOMN_TESTS_INTL_TEST_CHARSETS_H
@@ -95,7 +96,10 @@ public:
             norm[256 + 0x60 + i] = static_cast<CS_BYTE>('A' + i);
             norm[256 + 0x81 + i] = static_cast<CS_BYTE>('a' + i);
         }
+        for (int i = 0; i < 10; ++i)
+            norm[256 + 0x4F + i] = static_cast<CS_BYTE>('0' + i);
         norm[512 + 0x40] = ' ';
+        norm[512 + 0x44] = '.';
         norm[512 + 0x66] = '\'';
         build(2, 140, "dbcs");
     }
