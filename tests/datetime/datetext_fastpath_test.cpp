@@ -29,7 +29,7 @@ char **shorts() { return kes::datetext::en_short_months(); }
 // any read past the end.
 class Exact {
 public:
-    explicit Exact(const std::string &text) : bytes_(new char[text.size() + 1])
+    explicit Exact(const std::string &text) : bytes_(new char[text.size()])
     {
         std::memcpy(bytes_.get(), text.data(), text.size());
         len_ = static_cast<int>(text.size());
@@ -161,7 +161,7 @@ std::string disagreement(const std::string &text, int style, int order, CHAR_ATT
         const Outcome a = call.run(first, fast.data(), fast.len(), style, order, chatr, extra);
         const Outcome b = call.run(grammar, slow.data(), slow.len(), style, order, chatr, extra);
         if (!(a == b)) {
-            char why[256];
+            char why[512];
             std::snprintf(why, sizeof why, "%s(\"%s\", style %d, order %d, extra %d): rc %d/%d truncated %d/%d bytes %s/%s",
                           call.name, text.c_str(), style, order, extra, a.rc, b.rc, a.truncated, b.truncated,
                           kes::test::hex(a.bytes, sizeof a.bytes).c_str(),
