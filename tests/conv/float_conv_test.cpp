@@ -174,34 +174,31 @@ TEST(FloatToChar, PlacementFollowsTheFormat)
 
 // Without room the server layer writes nothing, and only a single source
 // clears the length; its varchar checks the capacity the context layer's
-// CS_VARCHAR never lacks.
+// CS_VARCHAR never lacks.  -1.5e-7 prints in 23 characters.
 TEST(FloatToText, ServerLayerWritesNothingWithoutRoomContextLayerVarcharAlwaysFits)
 {
-    CAST_CONTEXT cast{};
-    cast.format = CS_FMT_NULLTERM;
-    CS_BYTE out[32];
-    std::memset(out, '#', sizeof out);
-    double d = 0.25, e = -1.5e-7; // ".25" and a text of 23 characters
-    float f = 0.25f;
-    __CONSTANT dsrc = bytes_of(&d, 8, 8), fsrc = bytes_of(&f, 4, 4), esrc = bytes_of(&e, 8, 8);
-    __CONSTANT dst = constant(out, 0, 3);
-    EXPECT_EQ(comnb_flt8tochar(&cast, &dsrc, &dst), OVER);
-    EXPECT_EQ(dst.len, 3);
-    dst = constant(out, 0, 3);
-    EXPECT_EQ(comnb_flt4tochar(&cast, &fsrc, &dst), OVER);
-    EXPECT_EQ(dst.len, 0);
-    dst = constant(out, 0, 22);
-    EXPECT_EQ(comnb_flt8tovarchar(&cast, &esrc, &dst), OVER);
-    EXPECT_EQ(dst.len, 22);
-    EXPECT_EQ(out[0], '#');
-    dst = constant(out, 0, 4);
-    EXPECT_EQ(comnb_flt4tochar(&cast, &fsrc, &dst), OK);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(out), static_cast<size_t>(dst.len)), std::string(".25\0", 4));
-    dst = constant(out, 0, 23);
-    EXPECT_EQ(comnb_flt8tovarchar(&cast, &esrc, &dst), OK);
-    EXPECT_EQ(std::string(reinterpret_cast<char *>(out), static_cast<size_t>(dst.len)), "-1.4999999999999999e-07");
-
+    struct Case { Comnb f; bool single; double value; CS_INT maxlen; CS_RETCODE rc; CS_INT len; std::string text; };
+    const Case cases[] = {
+        {comnb_flt8tochar, false, 0.25, 3, OVER, 3, ""}, {comnb_flt4tochar, true, 0.25, 3, OVER, 0, ""},
+        {comnb_flt8tovarchar, false, -1.5e-7, 22, OVER, 22, ""},
+        {comnb_flt4tochar, true, 0.25, 4, OK, 4, std::string(".25\0", 4)},
+        {comnb_flt8tovarchar, false, -1.5e-7, 23, OK, 23, "-1.4999999999999999e-07"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.value << " into " << c.maxlen);
+        CAST_CONTEXT cast{};
+        cast.format = CS_FMT_NULLTERM;
+        char out[32];
+        std::memset(out, '#', sizeof out);
+        double d = c.value;
+        float f = static_cast<float>(c.value);
+        __CONSTANT src = c.single ? bytes_of(&f, 4, 4) : bytes_of(&d, 8, 8), dst = bytes_of(out, 0, c.maxlen);
+        EXPECT_EQ(code_name(c.f(&cast, &src, &dst)), code_name(c.rc));
+        EXPECT_EQ(dst.len, c.len);
+        EXPECT_EQ(std::string(out, c.text.empty() ? 1 : c.text.size()), c.text.empty() ? "#" : c.text);
+    }
     Context ctx;
+    double e = -1.5e-7;
     CS_VARCHAR vc;
     CS_VARBINARY vb;
     CS_INT destlen = 0;

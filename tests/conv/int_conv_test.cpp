@@ -91,20 +91,31 @@ TEST(IntConv, EveryPairAgreesWithTheClampModelInBothLayers)
     }
 }
 
-// A bit other than 0 or 1 leaves the destination and its length alone.
-TEST(IntConv, BitSourceOtherThanZeroOrOneIsADomainError)
+// A bit other than 0 or 1 leaves the destination and its length alone; a
+// bit becomes the character '1' even in bytes, and the CS_VARBINARY member
+// leaves *destlen unwritten.
+TEST(IntConv, BitConversions)
 {
+    struct Case { CS_CONV_FUNC f; CS_INT type, maxlength, format; CS_BIT bit; CS_RETCODE rc; const char *bytes; CS_INT len; };
+    const Case cases[] = {
+        {comn_bittoi4, CS_INT_TYPE, 4, 0, 2, CS_EDOMAIN, "5a", 77},
+        {comn_bittochar, CS_CHAR_TYPE, 16, 0, 2, CS_EDOMAIN, "5a", 77},
+        {comn_bittovarbin, CS_VARBINARY_TYPE, 258, 0, 2, CS_EDOMAIN, "5a", 77},
+        {comn_bittoflt8, CS_FLOAT_TYPE, 8, 0, 2, CS_EDOMAIN, "5a", 77},
+        {comn_bittovarbin, CS_VARBINARY_TYPE, 258, 0, 1, CS_SUCCEED, "010031", 77},
+        {comn_bittobin, CS_BINARY_TYPE, 4, CS_FMT_PADNULL, 1, CS_SUCCEED, "01000000", 4},
+        {comn_bittochar, CS_CHAR_TYPE, 0, CS_FMT_NULLTERM, 1, CS_EOVERFLOW, "5a", 1},
+    };
     Context ctx;
-    const std::pair<CS_CONV_FUNC, CS_INT> members[] = {{comn_bittoi4, CS_INT_TYPE}, {comn_bittochar, CS_CHAR_TYPE},
-                                                       {comn_bittovarbin, CS_VARBINARY_TYPE}, {comn_bittoflt8, CS_FLOAT_TYPE}};
-    for (auto [f, type] : members) {
-        CS_BIT two = 2;
-        CS_DATAFMT sf = fmt(CS_BIT_TYPE, 1), df = fmt(type, 16);
-        unsigned char out[300] = {0x5a};
+    for (const Case &c : cases) {
+        CS_BIT bit = c.bit;
+        CS_DATAFMT sf = fmt(CS_BIT_TYPE, 1), df = fmt(c.type, c.maxlength, c.format);
+        unsigned char out[300];
+        std::memset(out, 0x5a, sizeof out);
         CS_INT len = 77;
-        EXPECT_EQ(f(ctx.get(), &sf, &two, &df, out, &len), CS_EDOMAIN) << type;
-        EXPECT_EQ(len, 77);
-        EXPECT_EQ(out[0], 0x5a);
+        EXPECT_EQ(code_name(c.f(ctx.get(), &sf, &bit, &df, out, &len)), code_name(c.rc)) << c.type << " " << +c.bit;
+        EXPECT_EQ(hex(out, std::strlen(c.bytes) / 2), c.bytes) << c.type << " " << +c.bit;
+        EXPECT_EQ(len, c.len) << c.type << " " << +c.bit;
     }
     CAST_CONTEXT cc{};
     CS_BIT three = 3;
@@ -113,30 +124,6 @@ TEST(IntConv, BitSourceOtherThanZeroOrOneIsADomainError)
     EXPECT_EQ(comnb_bittoi4(&cc, &src, &dest), CS_EDOMAIN);
     EXPECT_EQ(dest.len, 55);
     EXPECT_EQ(out, 99);
-}
-
-// A bit becomes the character '1' even in bytes; the CS_VARBINARY member
-// leaves *destlen unwritten.
-TEST(IntConv, BitToTextAndBytes)
-{
-    Context ctx;
-    CS_BIT one = 1;
-    CS_DATAFMT sf = fmt(CS_BIT_TYPE, 1), df = fmt(CS_VARBINARY_TYPE, 258);
-    CS_VARBINARY vb{};
-    CS_INT len = -7;
-    EXPECT_EQ(comn_bittovarbin(ctx.get(), &sf, &one, &df, &vb, &len), CS_SUCCEED);
-    EXPECT_EQ(hex(&vb, 3), "010031");
-    EXPECT_EQ(len, -7);
-    CS_BYTE bin[4] = {9, 9, 9, 9};
-    df = fmt(CS_BINARY_TYPE, 4, CS_FMT_PADNULL);
-    EXPECT_EQ(comn_bittobin(ctx.get(), &sf, &one, &df, bin, &len), CS_SUCCEED);
-    EXPECT_EQ(hex(bin, 4), "01000000");
-    EXPECT_EQ(len, 4);
-    char text[4] = {'x', 'x', 'x', 'x'};
-    df = fmt(CS_CHAR_TYPE, 0, CS_FMT_NULLTERM);
-    EXPECT_EQ(comn_bittochar(ctx.get(), &sf, &one, &df, text, &len), CS_EOVERFLOW);
-    EXPECT_EQ(len, 1);
-    EXPECT_EQ(text[0], 'x');
 }
 
 TEST(IntConv, IntToCharFormatsAndCapacities)
