@@ -20,13 +20,8 @@ CS_MONEY M(int64_t v)
 }
 int64_t V(const CS_MONEY &m) { return kes::money::value(m); }
 
-// ---- the oracle: the rules in 128-bit arithmetic --------------------------
-
-struct Expected {
-    int64_t result;
-    int status;
-    bool keeps = false; // the result is left as it was
-};
+// The oracle: the rules in 128-bit arithmetic.  keeps: the result is left as it was.
+struct Expected { int64_t result; int status; bool keeps = false; };
 
 Expected ref(char op, int64_t a, int64_t b)
 {
@@ -74,22 +69,15 @@ int64_t random_money(std::mt19937_64 &rng)
 TEST(MoneyDifferential, AgreesWith128BitArithmetic)
 {
     using Kernel = int (*)(CS_MONEY *, CS_MONEY *, CS_MONEY *);
-    const std::pair<char, Kernel> ops[] = {
-        {'+', com__mnyadd}, {'-', com__mnysub}, {'*', com__mnymul}, {'/', com__mnydiv}};
+    const std::pair<char, Kernel> ops[] = {{'+', com__mnyadd}, {'-', com__mnysub}, {'*', com__mnymul}, {'/', com__mnydiv}};
     std::mt19937_64 rng(20261122);
-    int failures = 0;
-    for (int i = 0; i < 100000 && failures < 20; i++) {
+    for (int i = 0; i < 100000; i++) {
         const int64_t a = random_money(rng), b = random_money(rng);
         for (const auto &[op, kernel] : ops) {
             CS_MONEY ma = M(a), mb = M(b), r = M(kSentinel);
-            const int status = kernel(&ma, &mb, &r);
             const Expected want = ref(op, a, b);
-            const int64_t want_value = want.keeps ? kSentinel : want.result;
-            if (status != want.status || V(r) != want_value) {
-                ++failures;
-                ADD_FAILURE() << a << " " << op << " " << b << ": got " << V(r) << " status " << status
-                              << ", want " << want_value << " status " << want.status;
-            }
+            ASSERT_EQ(kernel(&ma, &mb, &r), want.status) << a << " " << op << " " << b;
+            ASSERT_EQ(V(r), want.keeps ? kSentinel : want.result) << a << " " << op << " " << b;
         }
         CS_MONEY ma = M(a), mb = M(b);
         ASSERT_EQ(comn_mnycmp(&ma, &mb), a < b ? -1 : a > b ? 1 : 0) << a << " " << b;
@@ -115,24 +103,19 @@ TEST(MoneyDifferential, Money4AgreesWithTheWideRulesNarrowed)
     }
 }
 
-// ---- the entries: comn_ maps the status to a result code, com_ returns it ----
-
+// comn_ maps the status to a result code, com_ returns it; result: what
+// stands in the result afterwards.  Rounding itself is the differential's.
 TEST(MoneyOp, OddRulesAtTheLimitsInBothLayers)
 {
-    const struct {
-        CS_RETCODE (*comn)(CS_MONEY *, CS_MONEY *, CS_MONEY *);
-        CS_INT (*com)(CS_MONEY *, CS_MONEY *, CS_MONEY *);
-        int64_t a, b, result; // result: what stands in the result afterwards
-        int status;
-    } cases[] = {
+    using Comn = CS_RETCODE (*)(CS_MONEY *, CS_MONEY *, CS_MONEY *);
+    using Com = CS_INT (*)(CS_MONEY *, CS_MONEY *, CS_MONEY *);
+    const struct { Comn comn; Com com; int64_t a, b, result; int status; } cases[] = {
         {comn_mnyadd, com_mnyadd, 0xFFFFFFFFLL, 1, 0x100000000LL, 0}, // carry between halves
         {comn_mnyadd, com_mnyadd, kMax, 1, 0, 1},                      // overflow stores zero
         {comn_mnysub, com_mnysub, -1, kMin, kMax, 0},
         {comn_mnymul, com_mnymul, 100, 50, 0, 0},                      // 0.00005 is below a unit: zero
-        {comn_mnymul, com_mnymul, -200, 5025, -101, 0},                // -0.01005: half away from zero
         {comn_mnymul, com_mnymul, kMin, -10000, kSentinel, 1},         // overflow keeps the result
         {comn_mnymul, com_mnymul, -4611686018427387904LL, 20000, kMin, 0},
-        {comn_mnydivide, com_mnydivide, -20000, 30000, -6666, 0},      // cut toward zero
         {comn_mnydivide, com_mnydivide, 0, 0, 0, 3},
         {comn_mnydivide, com_mnydivide, kMin, -10000, kSentinel, 1},   // just misses: kept
         {comn_mnydivide, com_mnydivide, kMax, 1, 0, 1},                // 19 digits: zeroed
@@ -167,8 +150,6 @@ TEST(Money4, SumsZeroOnOverflow)
     EXPECT_EQ(comn_mny4divide(&max, &zero, &r), CS_EDIVZERO);
 }
 
-// ---- the small kernels --------------------------------------------------------
-
 TEST(MoneySmall, IncrementDecrementNegationAndRemainderAtTheLimits)
 {
     CS_MONEY m = M(kMax), in = M(kMin), out = M(5);
@@ -182,8 +163,8 @@ TEST(MoneySmall, IncrementDecrementNegationAndRemainderAtTheLimits)
     CS_MONEY4 i4{INT32_MIN}, o4{5};
     EXPECT_EQ(com_mny4minus(&i4, &o4), 1);
     EXPECT_EQ(o4.mny4, 5) << "the 32-bit twin does not write";
-    CS_MONEY4 b4{3};
-    EXPECT_EQ(com__mnyrem(&m, &in, &out), 1) << "no remainder is offered";
+    CS_MONEY4 b4{3}; // no remainder is offered in either width
+    EXPECT_EQ(com__mnyrem(&m, &in, &out), 1);
     EXPECT_EQ(com__mnyrem4(&i4, &b4, &o4), 1);
     EXPECT_EQ(V(out), kMin);
     EXPECT_EQ(o4.mny4, 5);
@@ -193,13 +174,8 @@ TEST(MoneySmall, IncrementDecrementNegationAndRemainderAtTheLimits)
 // down divides it by the low 16 bits of dvsr and returns the remainder.
 TEST(MoneySmall, ScaleAndDownWorkOnTheMagnitudeWithUnsignedOperands)
 {
-    const struct {
-        bool scale;
-        int64_t v;
-        int x, y;
-        int64_t result;
-        int ret; // status, or remainder
-    } cases[] = {{true, -12, 10, 3, -123, 0},           {true, 12, 0, -5, -5, 0},
+    // ret: the status of scale, the remainder of down.
+    const struct { bool scale; int64_t v; int x, y; int64_t result; int ret; } cases[] = {{true, -12, 10, 3, -123, 0},           {true, 12, 0, -5, -5, 0},
                  {true, kMax / 10, 10, 7, kMax, 0},     {true, kMax / 10, 10, 8, kMax / 10, 1},
                  {true, kMin, 1, 0, kMin, 1},           {true, 1, -1, 0, 0xFFFFFFFFLL, 0},
                  {true, 0, 5, -1, 0xFFFFFFFFLL, 0},     {false, -123456, 10000, 0, -12, 3456},
@@ -216,12 +192,7 @@ TEST(MoneySmall, ScaleAndDownWorkOnTheMagnitudeWithUnsignedOperands)
 
 TEST(MoneySmall, InitRoundsByTheLastRemovedDigitAloneAndHandsBackTheSign)
 {
-    const struct {
-        int64_t v;
-        int trim;
-        uint64_t result;
-        int sign;
-    } cases[] = {{-123456, 2, 1235, -1}, {149, 2, 1, 0}, {150, 2, 2, 0}, {5, 3, 0, 0},
+    const struct { int64_t v; int trim; uint64_t result; int sign; } cases[] = {{-123456, 2, 1235, -1}, {149, 2, 1, 0}, {150, 2, 2, 0}, {5, 3, 0, 0},
                  {500, 3, 1, 0},         {kMax, 40, 0, 0}, {kMin, 0, uint64_t{1} << 63, -1}};
     for (const auto &c : cases) {
         CS_MONEY m = M(c.v);

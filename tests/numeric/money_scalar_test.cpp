@@ -84,13 +84,7 @@ TEST(MoneyToFloat, LowHalfPlusHighHalfTimesItsUnit)
 // the narrowing fails, zero beyond the money range.
 TEST(FloatToMoneyKernel, RoundsByAddingHalfAUnitToTheMagnitude)
 {
-    const struct {
-        double v;
-        int result;
-        int64_t money;
-        int result4;
-        CS_INT money4;
-    } cases[] = {
+    const struct { double v; int result; int64_t money; int result4; CS_INT money4; } cases[] = {
         {0.00005, 8, 1, 4, 1}, {0.00004999, 8, 0, 4, 0}, {-0.00005, 8, -1, 4, -1},
         {-1.03125, 8, -10313, 4, -10313}, // exactly half a unit, as binary fractions allow
         {12.34565, 8, 123456, 4, 123456}, // its double lies just below the half
@@ -111,13 +105,12 @@ TEST(FloatToMoneyKernel, RoundsByAddingHalfAUnitToTheMagnitude)
         EXPECT_EQ(m4.mny4, c.money4);
     }
     // No source, or a source length of 0, stores zero.
-    CS_MONEY m = M(99);
     double v = 5.0;
-    EXPECT_EQ(com__flt8tomny(nullptr, 8, &m, 8, 0), 8);
-    EXPECT_EQ(V(m), 0);
-    m = M(99);
-    EXPECT_EQ(com__flt8tomny(&v, 0, &m, 8, 0), 8);
-    EXPECT_EQ(V(m), 0);
+    for (auto [src, len] : {std::pair{static_cast<double *>(nullptr), 8}, {&v, 0}}) {
+        CS_MONEY m = M(99);
+        EXPECT_EQ(com__flt8tomny(src, len, &m, 8, 0), 8);
+        EXPECT_EQ(V(m), 0);
+    }
 }
 
 // Against long double arithmetic: inside the range the kernel (which works
@@ -163,21 +156,14 @@ TEST(FloatToMoneyMember, OnOverflowOnlyTheServerLayersSingleSourceClearsTheLengt
     EXPECT_EQ(V(m), 10000000000LL);
 }
 
-// ---- integers to money --------------------------------------------------------
-
 TEST(IntToMoney, ScalesByTenThousandAndOverflowsAtTheLimits)
 {
     constexpr CS_INT MNY = CS_MONEY_TYPE, M4 = CS_MONEY4_TYPE;
     constexpr CS_RETCODE OK = CS_SUCCEED, OVER = CS_EOVERFLOW;
     Context ctx;
-    const struct {
-        CS_CONV_FUNC f;
-        CS_INT srctype;
-        uint64_t raw; // source bytes, little-endian, of the source's size
-        CS_INT desttype;
-        int64_t stored;
-        CS_RETCODE code;
-    } cases[] = {
+    // raw: the source bytes, little-endian, of the source's size.
+    struct Case { CS_CONV_FUNC f; CS_INT srctype; uint64_t raw; CS_INT desttype; int64_t stored; CS_RETCODE code; };
+    const Case cases[] = {
         {comn_i2tomoney, CS_SMALLINT_TYPE, 0x8000, MNY, -327680000, OK},
         {comn_ui4tomoney, CS_UINT_TYPE, 0xFFFFFFFF, MNY, 42949672950000LL, OK},
         {comn_i8tomoney, CS_BIGINT_TYPE, 922337203685477ULL, MNY, 9223372036854770000LL, OK},

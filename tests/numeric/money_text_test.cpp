@@ -48,12 +48,7 @@ int parse(CS_MONEY &m, std::string_view text, CS_ATTRIB *chatr = nullptr)
 // had to be written and then gave way (a sign takes that byte instead).
 TEST(MoneyPrint, TextOfEachStyleAndItsExactRoom)
 {
-    const struct {
-        int64_t v;
-        int style;
-        const char *text;
-        int room = 0; // 0: the text's length
-    } cases[] = {
+    const struct { int64_t v; int style; const char *text; int room = 0; } cases[] = { // room 0: the text's
         {123456, 0, "12.35"}, {123449, 0, "12.34"}, // only the last removed digit decides: 12.34|5, 12.34|4
         {-1, 0, "-0.00"}, {-50, 0, "-0.01"}, {1, 2, "0.00"}, // a low byte other than 1 asks for no groups
         {1000000, kGroups, "100.00", 7}, {-1000000, kGroups, "-100.00"}, {-10000000, kGroups, "-1,000.00"},
@@ -86,8 +81,6 @@ TEST(MoneyPrint, Money4WidensAndThePrecisionEntryShiftsTheDecimals)
     EXPECT_EQ(std::string(p, static_cast<const char *>(buf + sizeof buf)), "12.346");
 }
 
-// ---- text in --------------------------------------------------------------------
-
 // A double-byte set: 0xA3 0xA0..0xFE are full-width ASCII.
 kes::fuzz::ScanCharset two(false);
 
@@ -113,12 +106,8 @@ struct OtherDigits {
 
 TEST(MoneyParse, StatusAndValueInEachCharacterSet)
 {
-    const struct {
-        std::string_view text;
-        int status;
-        int64_t value; // meaningful when status is 0
-        CS_ATTRIB *set = nullptr; // null: ISO 8859-1
-    } cases[] = {
+    // value: when status is 0; set: null for ISO 8859-1.
+    const struct { std::string_view text; int status; int64_t value; CS_ATTRIB *set = nullptr; } cases[] = {
         // The limits; a fifth decimal rounds, further ones do not count.
         {"922337203685477.5807", 0, kMax}, {"922337203685477.5808", 1, 0}, {"922337203685477.58074", 0, kMax},
         {"922337203685477.58075", 1, 0}, {"-922337203685477.5808", 0, kMin}, {"-922337203685477.580809", 0, kMin},
@@ -158,22 +147,17 @@ TEST(MoneyParse, StatusAndValueInEachCharacterSet)
 
 TEST(MoneyParse, Money4StoresTheLimitOutsideItsRangeAndNothingWhenMalformed)
 {
-    const struct {
-        std::string_view text;
-        int status;
-        CS_INT value;
-    } cases[] = {{"214748.3647", 0, INT32_MAX}, {"-214748.3648", 0, INT32_MIN}, {"214748.3648", 1, INT32_MAX},
-                 {"-214748.3649", 1, INT32_MIN}, {"1x", 2, 77},                  {"922337203685477.5808", 1, 77}};
+    const struct { std::string_view text; int status; CS_INT value; } cases[] = {
+        {"214748.3647", 0, INT32_MAX}, {"-214748.3648", 0, INT32_MIN}, {"214748.3648", 1, INT32_MAX},
+        {"-214748.3649", 1, INT32_MIN}, {"1x", 2, 77}, {"922337203685477.5808", 1, 77}};
     for (const auto &c : cases) {
         CS_MONEY4 m4{77};
-        std::vector<char> text(c.text.begin(), c.text.end());
+        std::vector<char> text(c.text.begin(), c.text.end()); // no byte after the text
         EXPECT_EQ(com__mny4fromchar_mb(&m4, text.data(), static_cast<int>(text.size()), 0, nullptr), c.status)
             << c.text;
         EXPECT_EQ(m4.mny4, c.value) << c.text;
     }
 }
-
-// ---- round trips ------------------------------------------------------------------
 
 // Four decimals read back as the value; fewer read back as the value rounded
 // half up on the magnitude at that many decimals.  Rounding may push the
@@ -189,12 +173,8 @@ TEST(MoneyRoundTrip, EveryStyleAndTheExtremes)
     for (int64_t v : values)
         for (int groups : {0, kGroups})
             for (int decimals : {1, 2, 3, 4}) {
-                const int style = groups | prec(decimals);
-                char buf[40];
-                CS_MONEY m = M(v);
-                const char *p = com_cvtmnytochar(&m, buf, sizeof buf, style);
-                ASSERT_NE(p, nullptr);
-                const std::string text(p, static_cast<const char *>(buf + sizeof buf));
+                const std::string text = print(v, groups | prec(decimals), 40);
+                ASSERT_NE(text, "<null>");
                 CS_MONEY back = M(12345);
                 const int status = parse(back, text);
                 const __int128 unit = decimals == 4 ? 1 : decimals == 3 ? 10 : decimals == 2 ? 100 : 1000;

@@ -137,10 +137,9 @@ TEST(NumToScalar, FloatAndMoneyBoundaries)
         }
     }
     CS_MONEY4 m4{};
-    CS_NUMERIC n = num("214748.36475", 11);
-    EXPECT_EQ(comn_numtomny4(ctx.get(), &sf, &n, &m4f, &m4, &len), CS_EOVERFLOW);
-    n = num("-214748.3648", 11);
-    EXPECT_EQ(comn_numtomny4(ctx.get(), &sf, &n, &m4f, &m4, &len), CS_SUCCEED);
+    CS_NUMERIC over = num("214748.36475", 11), min = num("-214748.3648", 11);
+    EXPECT_EQ(comn_numtomny4(ctx.get(), &sf, &over, &m4f, &m4, &len), CS_EOVERFLOW);
+    EXPECT_EQ(comn_numtomny4(ctx.get(), &sf, &min, &m4f, &m4, &len), CS_SUCCEED);
     EXPECT_EQ(m4.mny4, INT32_MIN);
 }
 

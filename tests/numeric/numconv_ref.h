@@ -41,17 +41,20 @@ inline Z ten_to(int k)
     return p;
 }
 
-// Cases of a randomised run: KES_NUMCONV_CASES, else 100000 (5000 under
-// the address sanitizer).
-inline long cases()
+inline long env_or(const char *name, long dflt)
 {
-    const char *s = std::getenv("KES_NUMCONV_CASES");
-#if defined(__SANITIZE_ADDRESS__)
-    return s ? std::strtol(s, nullptr, 10) : 5000;
-#else
-    return s ? std::strtol(s, nullptr, 10) : 100000;
-#endif
+    const char *s = std::getenv(name);
+    return s ? std::strtol(s, nullptr, 10) : dflt;
 }
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kSanitized = true; // fewer cases under the sanitizers
+#else
+constexpr bool kSanitized = false;
+#endif
+
+// Cases of a randomised run: KES_NUMCONV_CASES, else 100000 (5000 sanitized).
+inline long cases() { return env_or("KES_NUMCONV_CASES", kSanitized ? 5000 : 100000); }
 
 // Bytes of a value of precision p: those of 10^p - 1, plus the sign byte.
 inline int len_of(int p)

@@ -1,82 +1,37 @@
-// Differential test of the record operations against exact big-integer
-// arithmetic: random operands of every precision and scale, with zeros,
-// negative zeros, all-nines and small values mixed in.  The expected shape
-// of each result comes from the rules for result precision and scale; value,
-// sign byte and result code must all agree.  The byte-digit kernel division
-// is checked the same way.
-#include <gmp.h>
+// The record operations against exact big-integer arithmetic: random operands
+// of every precision and scale, with zeros, negative zeros, all-nines and
+// small values mixed in.  Result shape, value, sign byte and result code must
+// all agree.  The byte-digit kernel division is checked the same way.
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <map>
-#include <random>
-#include <string>
-#include <vector>
 
 #include "kescomn/numeric.h"
+#include "numconv_ref.h"
 #include "numeric/exctnume.h"
 #include "support/context.h"
 
 namespace {
 
-struct Z { // cleared on scope exit
-    mpz_t v;
-    Z() { mpz_init(v); }
-    ~Z() { mpz_clear(v); }
-    operator mpz_ptr() { return v; }
-    operator mpz_srcptr() const { return v; }
-};
+using namespace kes::test::ref;
 
-int sgn(mpz_srcptr x) { return mpz_sgn(x); }
-
-void pow10(mpz_ptr out, int e) { mpz_ui_pow_ui(out, 10, static_cast<unsigned long>(e)); }
-
-// Bytes of a value of precision p, sign byte included: those of 10^p - 1
-// plus one, by GMP rather than the library's table.
-int len_of(int p)
-{
-    Z v;
-    pow10(v, p);
-    mpz_sub_ui(v, v, 1);
-    return (sgn(v) == 0 ? 1 : static_cast<int>(mpz_sizeinbase(v, 256))) + 1;
-}
-
-bool fits(mpz_srcptr magnitude, int prec)
-{
-    Z limit;
-    pow10(limit, prec);
-    return mpz_cmpabs(magnitude, limit) < 0;
-}
-
-void to_record(mpz_srcptr value, bool negzero, int prec, int scale, CS_NUMERIC &out)
-{
-    std::memset(&out, 0xA5, sizeof out); // bytes past the value have no meaning
-    out.precision = static_cast<CS_BYTE>(prec);
-    out.scale = static_cast<CS_BYTE>(scale);
-    const int len = len_of(prec);
-    std::memset(out.array, 0, static_cast<size_t>(len));
-    size_t count = 0;
-    CS_BYTE buf[64];
-    mpz_export(buf, &count, 1, 1, 1, 0, value);
-    ASSERT_LE(count, static_cast<size_t>(len - 1));
-    std::memcpy(out.array + len - count, buf, count);
-    out.array[0] = (sgn(value) < 0 || negzero) ? 1 : 0;
-}
-
-void from_record(const CS_NUMERIC &n, mpz_ptr out)
-{
-    mpz_import(out, static_cast<size_t>(len_of(n.precision) - 1), 1, 1, 1, 0, n.array + 1);
-    if (n.array[0] != 0)
-        mpz_neg(out, out);
-}
+bool fits(const Z &v, int prec) { return !exceeds(v, prec); }
 
 struct Operand {
     Z value;
     bool negzero = false;
     int prec = 1, scale = 0;
     CS_NUMERIC rec;
+
+    void store()
+    {
+        std::memset(&rec, 0xA5, sizeof rec); // bytes past the value have no meaning
+        rec.precision = static_cast<CS_BYTE>(prec);
+        rec.scale = static_cast<CS_BYTE>(scale);
+        ASSERT_TRUE(record_bytes(value, len_of(prec), rec.array));
+        rec.array[0] |= negzero ? 1 : 0;
+    }
 };
 
 class Gen {
@@ -95,11 +50,10 @@ public:
             op.negzero = uniform(0, 1) == 1;
             break;
         case 1: // all nines
-            pow10(op.value, op.prec);
-            mpz_sub_ui(op.value, op.value, 1);
+            mpz_sub_ui(op.value, ten_to(op.prec), 1);
             break;
         case 2:
-            pow10(op.value, uniform(0, op.prec - 1));
+            mpz_set(op.value, ten_to(uniform(0, op.prec - 1)));
             break;
         case 3:
             mpz_set_ui(op.value, static_cast<unsigned long>(uniform(1, 300)));
@@ -115,59 +69,40 @@ public:
         }
         if (uniform(0, 1))
             mpz_neg(op.value, op.value);
-        to_record(op.value, op.negzero, op.prec, op.scale, op.rec);
+        op.store();
     }
 
 private:
     std::mt19937_64 rng_;
 };
 
-struct Shape {
-    int prec, scale;
-};
+struct Shape { int prec, scale; };
 
 Shape shape(int intdig, int scale, int prec)
 {
     prec = std::clamp(prec, 1, 77);
-    scale = std::min(scale, 77);
-    return {prec, std::min(scale, prec - intdig)};
+    return {prec, std::min(std::min(scale, 77), prec - intdig)};
 }
 
 // How often each outcome was seen, so that the run proves it reached them.
 std::map<std::string, long> g_seen;
 
-long env_or(const char *name, long dflt)
-{
-    const char *s = std::getenv(name);
-    return s ? std::strtol(s, nullptr, 10) : dflt;
-}
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kSanitized = true; // fewer cases under the sanitizers
-#else
-constexpr bool kSanitized = false;
-#endif
-
 std::string describe(const Operand &a, const Operand &b)
 {
     std::string out;
-    for (const Operand *o : {&a, &b}) {
-        char *s = mpz_get_str(nullptr, 10, o->value);
-        out += std::string(s) + (o->negzero ? "(-0)" : "") + " p" + std::to_string(o->prec) + " s" +
+    for (const Operand *o : {&a, &b})
+        out += o->value.str() + (o->negzero ? "(-0)" : "") + " p" + std::to_string(o->prec) + " s" +
                std::to_string(o->scale) + " ; ";
-        free(s);
-    }
     return out;
 }
 
 // A result record: shape, value and sign byte (zero is positive).
-void expect_value(const CS_NUMERIC &got, Shape want, mpz_srcptr value, const std::string &what)
+void expect_value(const CS_NUMERIC &got, Shape want, const Z &value, const std::string &what)
 {
     ASSERT_EQ(got.precision, want.prec) << what;
     ASSERT_EQ(got.scale, want.scale) << what;
-    Z v;
-    from_record(got, v);
-    ASSERT_EQ(mpz_cmp(v, value), 0) << what << " got " << kes::test::hex(got.array, len_of(got.precision));
+    ASSERT_EQ(mpz_cmp(from_bytes(got.array, len_of(got.precision)), value), 0)
+        << what << " got " << kes::test::hex(got.array, len_of(got.precision));
     ASSERT_EQ(got.array[0], sgn(value) < 0 ? 1 : 0) << what;
 }
 
@@ -192,11 +127,9 @@ void check_addorsub(Operand &a, Operand &b, bool sub)
     }
     const Shape want = shape(p - s, s, p < 77 ? p + 1 : 77);
     // The operands at the common scale; widening may overflow first.
-    Z x, y, f, sum;
-    pow10(f, s - a.scale);
-    mpz_mul(x, a.value, f);
-    pow10(f, s - b.scale);
-    mpz_mul(y, b.value, f);
+    Z x, y, sum;
+    mpz_mul(x, a.value, ten_to(s - a.scale));
+    mpz_mul(y, b.value, ten_to(s - b.scale));
     const bool wide_fail = ((a.prec < p || a.scale < s) && !fits(x, p)) || ((b.prec < p || b.scale < s) && !fits(y, p));
     CS_NUMERIC r;
     const CS_RETCODE rc = call(sub ? comn_numsub : comn_numadd, a, b, r, want, what);
@@ -238,7 +171,7 @@ void check_mul(Operand &a, Operand &b)
     CS_NUMERIC r;
     const CS_RETCODE rc = call(comn_nummul, a, b, r, want, what);
     ASSERT_FALSE(::testing::Test::HasFailure());
-    Z prod, q, rem, f;
+    Z prod, q, rem;
     mpz_mul(prod, a.value, b.value);
     const int shift = want.scale - (a.scale + b.scale);
     // Formed in a 33-byte temporary unless the result is wide enough.
@@ -252,8 +185,7 @@ void check_mul(Operand &a, Operand &b)
         ASSERT_EQ(rc, CS_ESYNTAX) << what;
         return;
     }
-    pow10(f, -shift);
-    mpz_tdiv_qr(q, rem, prod, f);
+    mpz_tdiv_qr(q, rem, prod, ten_to(-shift));
     if (sgn(rem) != 0 || !fits(q, want.prec)) {
         ++g_seen[sgn(rem) != 0 ? "mul digits lost" : "mul overflows"];
         ASSERT_EQ(rc, CS_EOVERFLOW) << what;
@@ -294,11 +226,10 @@ void check_div(Operand &a, Operand &b)
             ASSERT_EQ(r.array[i], 0x5A) << what << ": the quotient is left alone";
         return;
     }
-    Z n, d, f, q;
+    Z n, d, q;
     mpz_abs(n, a.value);
     mpz_abs(d, b.value);
-    pow10(f, std::abs(shift));
-    mpz_mul(shift > 0 ? n : d, shift > 0 ? n : d, f);
+    mpz_mul(shift > 0 ? n : d, shift > 0 ? n : d, ten_to(std::abs(shift)));
     mpz_tdiv_q(q, n, d);
     if ((sgn(q) != 0 && static_cast<int>(mpz_sizeinbase(q, 256)) + 1 > len_of(want.prec)) || !fits(q, want.prec)) {
         ++g_seen["div overflows"];
@@ -319,13 +250,13 @@ int model_cmp(const Operand &a, const Operand &b)
     const bool n1 = a.rec.array[0] != 0, n2 = b.rec.array[0] != 0;
     if (n1 != n2)
         return sgn(a.value) == 0 && sgn(b.value) == 0 ? 0 : n1 ? -1 : 1;
-    Z x, y, f;
+    Z x, y;
     mpz_abs(x, a.value);
     mpz_abs(y, b.value);
     if (a.scale != b.scale) {
         const bool first_hi = a.scale > b.scale;
         const Operand &hi = first_hi ? a : b, &lo = first_hi ? b : a;
-        pow10(f, hi.scale - lo.scale);
+        const Z f = ten_to(hi.scale - lo.scale);
         if (lo.prec + hi.scale <= 77) {
             ++g_seen["cmp widened"];
             mpz_mul(first_hi ? y : x, first_hi ? y : x, f);
@@ -335,8 +266,7 @@ int model_cmp(const Operand &a, const Operand &b)
         }
     }
     const int c = mpz_cmp(x, y);
-    const int r = (c > 0) - (c < 0);
-    return n1 ? -r : r;
+    return n1 ? (c < 0) - (c > 0) : (c > 0) - (c < 0);
 }
 
 TEST(NumericDifferential, AddSubMulDivCmpAgreeWithExactArithmetic)
@@ -350,10 +280,8 @@ TEST(NumericDifferential, AddSubMulDivCmpAgreeWithExactArithmetic)
         if (i % 2 == 0) { // half the pairs share their shape, as in a column
             b.prec = a.prec;
             b.scale = a.scale;
-            Z lim;
-            pow10(lim, b.prec);
-            mpz_tdiv_r(b.value, b.value, lim);
-            to_record(b.value, b.negzero, b.prec, b.scale, b.rec);
+            mpz_tdiv_r(b.value, b.value, ten_to(b.prec));
+            b.store();
         }
         ASSERT_NO_FATAL_FAILURE(check_addorsub(a, b, false));
         ASSERT_NO_FATAL_FAILURE(check_addorsub(a, b, true));
@@ -391,13 +319,15 @@ TEST(NumericDifferential, KernelIntDivAgreesWithExactDivision)
         c.len = c.maxlen = static_cast<CS_INT>(v.size());
         return c;
     };
-    auto import = [](mpz_ptr out, const CS_BYTE *p, int n) { mpz_import(out, static_cast<size_t>(std::max(n, 0)), 1, 1, 1, 0, p); };
-    const long n = kSanitized ? 5000 : 50000;
-    for (long i = 0; i < n; ++i) {
+    auto magnitude = [](const CS_BYTE *p, int len) { // the bytes after the sign byte
+        Z z;
+        mpz_import(z, static_cast<size_t>(std::max(len - 1, 0)), 1, 1, 1, 0, p + 1);
+        return z;
+    };
+    for (long i = 0, n = kSanitized ? 5000 : 50000; i < n; ++i) {
         std::vector<CS_BYTE> ub = bytes(1 + rng() % 24), vb = bytes(1 + rng() % 12);
-        Z u, v, q, r, gq, gr;
-        import(u, ub.data() + 1, static_cast<int>(ub.size()) - 1);
-        import(v, vb.data() + 1, static_cast<int>(vb.size()) - 1);
+        const Z u = magnitude(ub.data(), static_cast<int>(ub.size()));
+        const Z v = magnitude(vb.data(), static_cast<int>(vb.size()));
         const int sig = sgn(u) == 0 ? 0 : static_cast<int>(mpz_sizeinbase(u, 256));
         std::vector<CS_BYTE> qb(static_cast<size_t>(sig + 2 + (rng() % 2 ? 0 : 3)), 0xEE), rb(1);
         __CONSTANT a = view(ub), b = view(vb), qc = view(qb), rc = view(rb);
@@ -408,12 +338,11 @@ TEST(NumericDifferential, KernelIntDivAgreesWithExactDivision)
             continue;
         }
         ASSERT_EQ(st, 0) << what;
-        import(q, qc.value + 1, qc.len - 1);
-        import(r, rc.value + 1, rc.len - 1);
+        Z gq, gr;
         mpz_tdiv_qr(gq, gr, u, v);
-        ASSERT_EQ(mpz_cmp(q, gq), 0) << what;
-        ASSERT_EQ(mpz_cmp(r, gr), 0) << what;
         ASSERT_TRUE(qc.len == 0 || qc.value[0] == 0) << what;
+        ASSERT_EQ(mpz_cmp(magnitude(qc.value, qc.len), gq), 0) << what;
+        ASSERT_EQ(mpz_cmp(magnitude(rc.value, rc.len), gr), 0) << what;
         ASSERT_EQ(rc.len == 0, sgn(gr) == 0) << what << ": an exact division has an empty remainder";
     }
 }
