@@ -90,7 +90,8 @@ TEST(NumTextRead, GrammarExponentsAndToleranceTable)
 
 TEST(NumTextRead, DerivedPrecisionScaleAndLength)
 {
-    const struct { const char *text; int prec, scale; } cases[] = {{"00123.45", 5, 2}, {"0.05", 3, 2}, {"", 1, 0}, {"-7.250", 4, 3}, {"1.5e-3", 2, 1}};
+    const struct { const char *text; int prec, scale; } cases[] = {
+        {"00123.45", 5, 2}, {"0.05", 3, 2}, {"", 1, 0}, {"-7.250", 4, 3}, {"1.5e-3", 2, 1}};
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text);
         const Read r = read(c.text, 0, 255, 0);
