@@ -34,7 +34,13 @@ __int128 read(const Type &t, const void *p)
 // One member pair.  Below the range the context layer answers `below` (the
 // deliberate unevenness: UNDER for some pairs, OVER for others), the server
 // layer always CS_EOVERFLOW and sets its length to below_len (-1: the size).
-struct Pair { CS_CONV_FUNC comn; ComnbFunc comnb; Type src, dst; CS_RETCODE below = CS_EOVERFLOW; CS_INT below_len = -1; };
+struct Pair {
+    CS_CONV_FUNC comn;
+    ComnbFunc comnb;
+    Type src, dst;
+    CS_RETCODE below = CS_EOVERFLOW;
+    CS_INT below_len = -1;
+};
 constexpr CS_RETCODE UNDER = CS_EUNDERFLOW;
 const Pair kPairs[] = {
     {comn_i2toi1, comnb_i2toi1, I2, I1}, {comn_i4toi1, comnb_i4toi1, I4, I1}, {comn_i4toi2, comnb_i4toi2, I4, I2},
@@ -64,7 +70,7 @@ TEST(IntConv, EveryPairAgreesWithTheClampModelInBothLayers)
                 values.push_back(static_cast<uint64_t>(edge + d));
     std::mt19937_64 rng(20261122);
     while (values.size() < 3000)
-        values.push_back(rng() >> (rng() % 64) ^ (rng() % 2 ? ~0ull : 0));
+        values.push_back((rng() >> (rng() % 64)) ^ (rng() % 2 ? ~0ull : 0));
     Context ctx;
     for (const Pair &p : kPairs) {
         for (uint64_t raw : values) {
@@ -78,14 +84,14 @@ TEST(IntConv, EveryPairAgreesWithTheClampModelInBothLayers)
             CS_INT len = -1;
             ASSERT_EQ(code_name(p.comn(ctx.get(), &sf, &raw, &df, &out, &len)),
                       code_name(below ? p.below : above ? CS_EOVERFLOW : CS_SUCCEED));
-            ASSERT_TRUE(read(p.dst, &out) == want);
+            ASSERT_TRUE(read(p.dst, &out) == want) << static_cast<long long>(read(p.dst, &out));
             ASSERT_EQ(len, p.dst.size);
             CAST_CONTEXT cc{};
             out = 0;
             __CONSTANT src = constant(reinterpret_cast<CS_BYTE *>(&raw), p.src.size, p.src.size);
             __CONSTANT dest = constant(reinterpret_cast<CS_BYTE *>(&out), -1, p.dst.size);
             ASSERT_EQ(code_name(p.comnb(&cc, &src, &dest)), code_name(below || above ? CS_EOVERFLOW : CS_SUCCEED));
-            ASSERT_TRUE(read(p.dst, &out) == want);
+            ASSERT_TRUE(read(p.dst, &out) == want) << static_cast<long long>(read(p.dst, &out)) << " server";
             ASSERT_EQ(dest.len, below && p.below_len >= 0 ? p.below_len : p.dst.size);
         }
     }
@@ -96,7 +102,14 @@ TEST(IntConv, EveryPairAgreesWithTheClampModelInBothLayers)
 // leaves *destlen unwritten.
 TEST(IntConv, BitConversions)
 {
-    struct Case { CS_CONV_FUNC f; CS_INT type, maxlength, format; CS_BIT bit; CS_RETCODE rc; const char *bytes; CS_INT len; };
+    struct Case {
+        CS_CONV_FUNC f;
+        CS_INT type, maxlength, format;
+        CS_BIT bit;
+        CS_RETCODE rc;
+        const char *bytes; // what the destination starts with
+        CS_INT len;
+    };
     const Case cases[] = {
         {comn_bittoi4, CS_INT_TYPE, 4, 0, 2, CS_EDOMAIN, "5a", 77},
         {comn_bittochar, CS_CHAR_TYPE, 16, 0, 2, CS_EDOMAIN, "5a", 77},
@@ -239,7 +252,8 @@ TEST(IntConv, SixtyFourBitToFloatClamps)
     }
     CAST_CONTEXT cc{};
     uint64_t v = UINT64_MAX, out = 0;
-    __CONSTANT src = constant(reinterpret_cast<CS_BYTE *>(&v), 8, 8), dest = constant(reinterpret_cast<CS_BYTE *>(&out), -1, 8);
+    __CONSTANT src = constant(reinterpret_cast<CS_BYTE *>(&v), 8, 8);
+    __CONSTANT dest = constant(reinterpret_cast<CS_BYTE *>(&out), -1, 8);
     EXPECT_EQ(comnb_ui8toflt8(&cc, &src, &dest), CS_SUCCEED);
     EXPECT_EQ(out, 0x43efffffffffffe7ULL);
     EXPECT_EQ(dest.len, 8);

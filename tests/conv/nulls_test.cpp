@@ -119,8 +119,8 @@ TEST(NullGet, CapacitiesAndNumericLengths)
     for (const Case &c : cases) {
         SCOPED_TRACE(testing::Message() << c.type << " precision " << c.precision << " in " << c.destlen);
         const std::string want = c.bytes ? c.bytes : hex(&c.precision, 1) + hex(&c.scale, 1) + std::string(66, '0');
-        EXPECT_EQ(get_null(ctx.get(), fmt(c.type, 1, CS_FMT_PADBLANK | CS_FMT_NULLTERM, c.precision, c.scale), c.destlen),
-                  want + "ee") << "one past untouched";
+        const CS_DATAFMT df = fmt(c.type, 1, CS_FMT_PADBLANK | CS_FMT_NULLTERM, c.precision, c.scale);
+        EXPECT_EQ(get_null(ctx.get(), df, c.destlen), want + "ee") << "one past untouched";
     }
 }
 

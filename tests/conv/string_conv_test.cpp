@@ -96,8 +96,9 @@ TEST(CharToChar, FormatsEmptyValuesAndQuoteDoubling)
     };
     for (const auto &[from_varchar, c] : cases)
         run(c, ctx, from_varchar);
-    for (int from : {CS_CHAR_TYPE, CS_LONGCHAR_TYPE, CS_TEXT_TYPE, CS_SENSITIVITY_TYPE, CS_BOUNDARY_TYPE, CS_XML_TYPE})
-        for (int to : {CS_CHAR_TYPE, CS_LONGCHAR_TYPE, CS_TEXT_TYPE, CS_SENSITIVITY_TYPE, CS_BOUNDARY_TYPE, CS_XML_TYPE})
+    const CS_INT family[] = {CS_CHAR_TYPE, CS_LONGCHAR_TYPE, CS_TEXT_TYPE, CS_SENSITIVITY_TYPE, CS_BOUNDARY_TYPE, CS_XML_TYPE};
+    for (CS_INT from : family)
+        for (CS_INT to : family)
             run({"xyz", 4, 1, CS_SUCCEED, "xyz\0"s, 4}, ctx, false, from, to);
     char buf[8] = {'a', 'b', 'c', '~', '~', '~', '~', '~'}; // source and destination the same bytes
     CS_DATAFMT sf = fmt(CS_CHAR_TYPE, 3), df = fmt(CS_CHAR_TYPE, 6, kBlank | kNul);
@@ -220,7 +221,8 @@ TEST(ToVarchar, CapacityIsAlways256)
         CS_DATAFMT sf = fmt(CS_CHAR_TYPE, srclen), df = fmt(CS_VARCHAR_TYPE, destmax, format);
         CS_VARCHAR v = varchar("");
         CS_INT destlen = -1;
-        EXPECT_EQ(code_name(comn_chartovarchar(ctx.get(), &sf, src.data(), &df, &v, &destlen)), code_name(code)) << srclen;
+        EXPECT_EQ(code_name(comn_chartovarchar(ctx.get(), &sf, src.data(), &df, &v, &destlen)), code_name(code))
+            << srclen;
         EXPECT_EQ(destlen, 258);
         EXPECT_EQ(std::string(v.str, static_cast<size_t>(v.len)), src.substr(0, static_cast<size_t>(len)));
         EXPECT_TRUE(len == 256 || v.str[len] == '~') << "no terminator or fill";

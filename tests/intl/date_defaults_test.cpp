@@ -45,7 +45,8 @@ struct HandLocale {
 
 // Everything the queries answer, in one record: month 0, short month 11,
 // day 0, order, first day, order id, 12-hour, style, and the two style forms.
-using Answers = std::tuple<std::string, std::string, std::string, std::string, CS_INT, int, CS_BOOL, CS_INT, CS_INT, CS_INT>;
+using Answers =
+    std::tuple<std::string, std::string, std::string, std::string, CS_INT, int, CS_BOOL, CS_INT, CS_INT, CS_INT>;
 
 Answers ask(CS_CONTEXT *context, CS_DATAFMT *dfmt)
 {
@@ -65,7 +66,8 @@ TEST(DateDefaults, TablesHoldTheEnglishConventionsSharedWithTheDateCode)
               (Strings{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"}));
     EXPECT_EQ(Strings(com__get_weekdays(), com__get_weekdays() + 7),
               (Strings{"Sunday", "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday"}));
-    EXPECT_EQ(Strings(com__get_days(), com__get_days() + 7), (Strings{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"}));
+    EXPECT_EQ(Strings(com__get_days(), com__get_days() + 7),
+              (Strings{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"}));
     EXPECT_EQ(Strings(com__get_ampm(), com__get_ampm() + 2), (Strings{"AM", "PM"}));
     EXPECT_EQ(com__get_firstday(), 7);
     EXPECT_STREQ(com__get_date_order(), "mdy");
@@ -149,7 +151,8 @@ TEST(DateQueries, WeekdayBetweenWeekStarts)
     const std::tuple<CS_INT, CS_INT, CS_INT, CS_INT> cases[] = {
         {1, 1, 1, 1}, {1, 7, 1, 0}, {7, 2, 1, 1}, {7, 1, 1, 0}, {1, 7, 7, 1}, {3, 5, 6, 2}};
     for (auto [from_first, day, to_first, want] : cases)
-        EXPECT_EQ(com_intl_convt_firstday(from_first, day, to_first), want) << from_first << "," << day << "," << to_first;
+        EXPECT_EQ(com_intl_convt_firstday(from_first, day, to_first), want)
+            << from_first << "," << day << "," << to_first;
 }
 
 TEST(DateQueriesDeathTest, NullFormatIsFatal)
