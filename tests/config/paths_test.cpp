@@ -1,7 +1,7 @@
-// File locations: the home directory and environment lookups, path
-// composition at exact fit / one short / roomy, the environment overrides,
-// the driver configuration path, the program name and the diagnosis of
-// missing localization files.
+// File locations: the home and environment lookups, path composition at
+// exact fit / one short / roomy, the environment overrides and their length
+// limits, the driver configuration path, the program name and the diagnosis
+// of missing localization files.
 #include <unistd.h>
 
 #include <cstdlib>
@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "config/paths.h"
@@ -27,29 +28,29 @@ namespace {
 
 using Env = std::optional<std::string>;
 
-const char *const kVariables[] = {"KESTOR",         "KESTOR_XCS", "KESXCS_IFILE", "KESXCS_TCL_CFG",
-                                  "KESTOR_TCL_CFG", "LC_ALL",     "LANG"};
-
 void set(const char *name, const Env &value)
 {
-    if (value)
-        setenv(name, value->c_str(), 1);
-    else
-        unsetenv(name);
+    value ? setenv(name, value->c_str(), 1) : unsetenv(name);
 }
 
-// Every test starts from KESTOR=/h and none of the other variables, and
-// leaves the environment as it found it.
+CS_CHAR *s(const char *text) { return const_cast<CS_CHAR *>(text); }
+
+CS_CONTEXT ctx{};
+
+// Every test starts from KESTOR=/h, none of the other variables and a zeroed
+// context, and leaves the environment as it found it.
 class Paths : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        for (const char *name : kVariables) {
+        for (const char *name :
+             {"KESTOR", "KESTOR_XCS", "KESXCS_IFILE", "KESXCS_TCL_CFG", "KESTOR_TCL_CFG", "LC_ALL", "LANG"}) {
             saved_[name] = std::getenv(name) ? Env(std::getenv(name)) : Env();
             unsetenv(name);
         }
         setenv("KESTOR", "/h", 1);
         com_set_tclcfg(nullptr);
+        ctx = CS_CONTEXT{};
     }
     void TearDown() override
     {
@@ -57,13 +58,10 @@ protected:
             set(name.c_str(), value);
         com_set_tclcfg(nullptr);
     }
-    CS_CONTEXT ctx{};
 
 private:
     std::map<std::string, Env> saved_;
 };
-
-CS_CHAR *s(const char *text) { return const_cast<CS_CHAR *>(text); }
 
 TEST_F(Paths, HomeAndEnvironmentLookups)
 {
@@ -76,7 +74,7 @@ TEST_F(Paths, HomeAndEnvironmentLookups)
     setenv("KESTOR", "/abcd", 1);
     setenv("KESTOR_XCS", "", 1);
     auto var = [](const char *name) { return [name](char *b, int n) { return intlgetenv(b, n, name); }; };
-    struct Case {
+    const struct {
         std::function<int(char *, int)> call;
         int buflen, expected;
         const char *text;
@@ -87,42 +85,43 @@ TEST_F(Paths, HomeAndEnvironmentLookups)
         {var("KESXCS_IFILE"), 6, 0, ""}, {var("KESTOR_XCS"), 1, 0, ""}, // unset and empty alike
         {var(nullptr), 6, INTL_EBADARG, "untouched"},
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         char b[16] = "untouched";
         EXPECT_EQ(c.call(b, c.buflen), c.expected) << c.text << " in " << c.buflen;
         EXPECT_STREQ(b, c.text) << c.buflen;
     }
 }
 
+#define PATH(call) +[](CS_CHAR *p, CS_INT n) { return call; }
+
 TEST_F(Paths, CompositionAtExactFitOneShortAndRoomy)
 {
-    using Composer = std::function<CS_RETCODE(CS_CHAR *, CS_INT)>;
-    CS_CONTEXT *x = &ctx;
     const struct {
         Env xcs; // KESTOR_XCS
-        Composer compose;
+        CS_RETCODE (*compose)(CS_CHAR *, CS_INT);
         const char *expected;
     } cases[] = {
-        {{}, [](CS_CHAR *p, CS_INT n) { return com_path_anyfile(p, n, s("a"), s("b"), 1); }, "/h/a/b"},
-        {{}, [](CS_CHAR *p, CS_INT n) { return com_path_anyfile(p, n, nullptr, nullptr, 0); }, "/h"},
-        {"x", [](CS_CHAR *p, CS_INT n) { return com_path_anyfile(p, n, s("a"), s("b"), 1); }, "/h/x/a/b"},
-        {"x", [](CS_CHAR *p, CS_INT n) { return com_path_anyfile(p, n, s("a"), s("b"), 2); }, "/h/a/b"},
-        {"", [](CS_CHAR *p, CS_INT n) { return com_path_anyfile(p, n, s("a"), nullptr, 1); }, "/h/a"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_cfgfile(x, s("xcs.cfg"), p, n, 1); }, "/h/config/xcs.cfg"},
-        {"x/y", [x](CS_CHAR *p, CS_INT n) { return com_path_cfgfile(x, s("f"), p, n, 1); }, "/h/x/y/config/f"},
-        {"x", [x](CS_CHAR *p, CS_INT n) { return com_path_cfgfile(x, s("f"), p, n, 2); }, "/h/x/config/f"},
-        {"x", [x](CS_CHAR *p, CS_INT n) { return com_path_cfgfile(x, s("f"), p, n, 0); }, "/h/config/f"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_ifile(x, p, n); }, "/h/interfaces"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com__path_locfile(x, s("fr"), s("utf8"), s("c.loc"), p, n); }, "/h/locales/fr/utf8/c.loc"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com__path_locfile(x, nullptr, s("utf8"), s("l.dat"), p, n); }, "/h/locales/l.dat"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_msgfile(x, s("french"), 2, s("c.loc"), CS_NULLTERM, p, n); }, "/h/locales/message/french/c.loc"}, // langlen unread
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_msgfile(x, s("fr"), 2, s("comnlib.loc"), 7, p, n); }, "/h/locales/message/fr/comnlib"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_charfile(x, s("utf8"), s("charset"), s("loc"), p, n); }, "/h/charsets/utf8/charset.loc"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_charfile(x, s("utf8"), nullptr, s("loc"), p, n); }, "/h/charsets/utf8"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return com_path_charfile(x, nullptr, s("unicode"), nullptr, p, n); }, "/h/charsets/unicode"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return comn__path_locdata(x, COM_LOCDATA_MONEY, s("us"), p, n); }, "/h/locales/money/us.mon"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return comn__path_locdata(x, COM_LOCDATA_NUMERIC, s("us"), p, n); }, "/h/locales/numeric/us.num"},
-        {{}, [x](CS_CHAR *p, CS_INT n) { return comn__path_locdata(x, COM_LOCDATA_DATE, s("us"), p, n); }, "/h/locales/datetime/us.dt"},
+        {{}, PATH(com_path_anyfile(p, n, s("a"), s("b"), 1)), "/h/a/b"},
+        {{}, PATH(com_path_anyfile(p, n, nullptr, nullptr, 0)), "/h"},
+        {"x", PATH(com_path_anyfile(p, n, s("a"), s("b"), 1)), "/h/x/a/b"},
+        {"x", PATH(com_path_anyfile(p, n, s("a"), s("b"), 2)), "/h/a/b"},
+        {"", PATH(com_path_anyfile(p, n, s("a"), nullptr, 1)), "/h/a"},
+        {{}, PATH(com_path_cfgfile(&ctx, s("xcs.cfg"), p, n, 1)), "/h/config/xcs.cfg"},
+        {"x/y", PATH(com_path_cfgfile(&ctx, s("f"), p, n, 1)), "/h/x/y/config/f"},
+        {"x", PATH(com_path_cfgfile(&ctx, s("f"), p, n, 2)), "/h/x/config/f"},
+        {"x", PATH(com_path_cfgfile(&ctx, s("f"), p, n, 0)), "/h/config/f"},
+        {{}, PATH(com_path_ifile(&ctx, p, n)), "/h/interfaces"},
+        {{}, PATH(com__path_locfile(&ctx, s("fr"), s("utf8"), s("c.loc"), p, n)), "/h/locales/fr/utf8/c.loc"},
+        {{}, PATH(com__path_locfile(&ctx, nullptr, s("utf8"), s("l.dat"), p, n)), "/h/locales/l.dat"},
+        {{}, PATH(com_path_msgfile(&ctx, s("french"), 2, s("c.loc"), CS_NULLTERM, p, n)), // langlen unread
+         "/h/locales/message/french/c.loc"},
+        {{}, PATH(com_path_msgfile(&ctx, s("fr"), 2, s("comnlib.loc"), 7, p, n)), "/h/locales/message/fr/comnlib"},
+        {{}, PATH(com_path_charfile(&ctx, s("utf8"), s("charset"), s("loc"), p, n)), "/h/charsets/utf8/charset.loc"},
+        {{}, PATH(com_path_charfile(&ctx, s("utf8"), nullptr, s("loc"), p, n)), "/h/charsets/utf8"},
+        {{}, PATH(com_path_charfile(&ctx, nullptr, s("unicode"), nullptr, p, n)), "/h/charsets/unicode"},
+        {{}, PATH(comn__path_locdata(&ctx, COM_LOCDATA_MONEY, s("us"), p, n)), "/h/locales/money/us.mon"},
+        {{}, PATH(comn__path_locdata(&ctx, COM_LOCDATA_NUMERIC, s("us"), p, n)), "/h/locales/numeric/us.num"},
+        {{}, PATH(comn__path_locdata(&ctx, COM_LOCDATA_DATE, s("us"), p, n)), "/h/locales/datetime/us.dt"},
     };
     for (const auto &c : cases) {
         set("KESTOR_XCS", c.xcs);
@@ -143,37 +142,32 @@ TEST_F(Paths, CompositionAtExactFitOneShortAndRoomy)
     }
 }
 
-TEST_F(Paths, HomeThatDoesNotFitIsTheIntlFailure)
+// The home, the extra level (a 512-byte buffer of its own) and the
+// interfaces variable (the whole path, home or not) at their length limits.
+TEST_F(Paths, OverridesAndTheirLengthLimits)
 {
-    setenv("KESTOR", std::string(2000, 'k').c_str(), 1);
-    CS_CONTEXT context{};
-    char path[COM_PATH_MAX];
-    EXPECT_EQ(com_path_cfgfile(&context, s("f"), path, sizeof path, 0), CS_EINTLFILE);
-    EXPECT_EQ(context.ctxintlerr, INTL_ENOSPACE);
-    EXPECT_EQ(com_path_charfile(nullptr, s("c"), nullptr, nullptr, path, sizeof path), CS_EINTLFILE);
-    // Exactly the home and its NUL still fits; the first part more does not.
-    setenv("KESTOR", std::string(COM_PATH_MAX - 1, 'k').c_str(), 1);
-    EXPECT_EQ(com_path_anyfile(path, sizeof path, nullptr, nullptr, 0), CS_SUCCEED);
-    EXPECT_EQ(com_path_anyfile(path, sizeof path, nullptr, s("f"), 0), CS_FAIL);
-}
-
-TEST_F(Paths, EnvironmentOverrides)
-{
-    // The interfaces variable is the whole path, home or not.
-    unsetenv("KESTOR");
-    setenv("KESXCS_IFILE", "/srv/db/interfaces", 1);
     char path[4096], small[10];
-    ASSERT_EQ(com_path_ifile(&ctx, path, sizeof path), CS_SUCCEED);
-    EXPECT_STREQ(path, "/srv/db/interfaces");
-    EXPECT_EQ(com_path_ifile(&ctx, small, sizeof small), CS_FAIL);
-    EXPECT_STREQ(small, "");
-    // The extra level has a 512-byte buffer of its own.
+    setenv("KESTOR", std::string(2000, 'k').c_str(), 1);
+    EXPECT_EQ(com_path_cfgfile(&ctx, s("f"), path, COM_PATH_MAX, 0), CS_EINTLFILE);
+    EXPECT_EQ(ctx.ctxintlerr, INTL_ENOSPACE);
+    EXPECT_EQ(com_path_charfile(nullptr, s("c"), nullptr, nullptr, path, COM_PATH_MAX), CS_EINTLFILE);
+    setenv("KESTOR", std::string(COM_PATH_MAX - 1, 'k').c_str(), 1); // exactly the home and its NUL fit
+    EXPECT_EQ(com_path_anyfile(path, COM_PATH_MAX, nullptr, nullptr, 0), CS_SUCCEED);
+    EXPECT_EQ(com_path_anyfile(path, COM_PATH_MAX, nullptr, s("f"), 0), CS_FAIL);
+
     setenv("KESTOR", "/h", 1);
     setenv("KESTOR_XCS", std::string(511, 'x').c_str(), 1);
     EXPECT_EQ(com_path_cfgfile(&ctx, s("f"), path, sizeof path, 1), CS_SUCCEED);
     EXPECT_EQ(std::strlen(path), 2 + 1 + 511 + 1 + 6 + 1 + 1u);
     setenv("KESTOR_XCS", std::string(512, 'x').c_str(), 1);
     EXPECT_EQ(com_path_cfgfile(&ctx, s("f"), path, sizeof path, 1), CS_FAIL);
+
+    unsetenv("KESTOR");
+    setenv("KESXCS_IFILE", "/srv/db/interfaces", 1);
+    ASSERT_EQ(com_path_ifile(&ctx, path, sizeof path), CS_SUCCEED);
+    EXPECT_STREQ(path, "/srv/db/interfaces");
+    EXPECT_EQ(com_path_ifile(&ctx, small, sizeof small), CS_FAIL);
+    EXPECT_STREQ(small, "");
 }
 
 TEST_F(Paths, TclCfgSetPathLengthsAndPrecedence)
@@ -185,7 +179,7 @@ TEST_F(Paths, TclCfgSetPathLengthsAndPrecedence)
     EXPECT_EQ(com_get_tclcfg(buf, 512), 511) << "the old path stays";
     EXPECT_EQ(std::string(buf), ok);
     EXPECT_EQ(com_get_tclcfg(buf, 511), 0) << "a path of exactly buflen bytes does not fit";
-    struct Case {
+    const struct {
         Env set_path, xcs_tcl, kestor_tcl, xcs;
         int buflen;
         const char *expected;
@@ -198,17 +192,14 @@ TEST_F(Paths, TclCfgSetPathLengthsAndPrecedence)
         {{}, {}, {}, {}, 10, ""},
         {{}, "/aaaaaaaaaaaa", "/b", {}, 10, ""},
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         com_set_tclcfg(c.set_path ? s(c.set_path->c_str()) : nullptr);
         set("KESXCS_TCL_CFG", c.xcs_tcl);
         set("KESTOR_TCL_CFG", c.kestor_tcl);
         set("KESTOR_XCS", c.xcs);
         char b[100] = "";
-        const CS_INT len = com_get_tclcfg(b, c.buflen);
-        EXPECT_EQ(len, static_cast<CS_INT>(std::strlen(c.expected))) << c.expected;
-        if (len > 0) {
-            EXPECT_STREQ(b, c.expected);
-        }
+        EXPECT_EQ(com_get_tclcfg(b, c.buflen), static_cast<CS_INT>(std::strlen(c.expected))) << c.expected;
+        EXPECT_STREQ(b, c.expected);
     }
 }
 
@@ -227,14 +218,12 @@ TEST_F(Paths, GetenvCopiesUpTo255Bytes)
 
 TEST_F(Paths, ProgramNameFromTheSystem)
 {
-    struct Case {
-        CS_INT size, sanitize;
-        const char *expected;
-    };
-    for (const Case &c : {Case{64, 0, "paths_test"}, Case{64, 2, "PATHS_TEST"}, Case{6, 2, "PATHS"}, Case{1, 0, ""}}) {
+    const std::tuple<CS_INT, CS_INT, const char *> cases[] = { // size, sanitize, name
+        {64, 0, "paths_test"}, {64, 2, "PATHS_TEST"}, {6, 2, "PATHS"}, {1, 0, ""}};
+    for (auto [size, sanitize, expected] : cases) {
         char name[64];
-        ASSERT_EQ(comn__genappname_from_exec(&ctx, name, c.size, c.sanitize), CS_SUCCEED);
-        EXPECT_STREQ(name, c.expected) << c.size << "/" << c.sanitize;
+        ASSERT_EQ(comn__genappname_from_exec(&ctx, name, size, sanitize), CS_SUCCEED);
+        EXPECT_STREQ(name, expected) << size << "/" << sanitize;
     }
     char mixed[] = "MiXeD-9";
     comn__sanitize_name(1, mixed, sizeof mixed);
@@ -253,7 +242,6 @@ TEST_F(Paths, VerifyShowsAPathThatCouldNotBeMadeAsAStar)
     EXPECT_EQ(com__verify_msgfile(&ctx, s("french"), 6, s("common.loc"), CS_NULLTERM, small, sizeof small),
               CS_EINTLFILE);
     EXPECT_STREQ(small, "*");
-
     CsLocCache cache{};
     CS_LOCALE locale{};
     locale.messageptr = &cache;
@@ -267,36 +255,22 @@ TEST_F(Paths, VerifyShowsAPathThatCouldNotBeMadeAsAStar)
     EXPECT_EQ(com_intl_verify_a_msgfile(nullptr, nullptr, s(".keep"), buf, sizeof buf), CS_FAIL);
 }
 
-// The diagnosis appends to kesinit.err in the current directory: run it in
-// a scratch one.
-class Diagnosis : public Paths {
-protected:
-    void SetUp() override
-    {
-        Paths::SetUp();
-        scratch_ = std::filesystem::temp_directory_path() / ("kescomn_paths_" + std::to_string(getpid()));
-        std::filesystem::create_directories(scratch_ / "home/config");
-        std::filesystem::create_directories(scratch_ / "home/locales");
-        std::ofstream(scratch_ / "home/config/objectid.dat") << "";
-        std::ofstream(scratch_ / "home/locales/locales.dat") << "";
-        old_cwd_ = std::filesystem::current_path();
-        std::filesystem::current_path(scratch_);
-    }
-    void TearDown() override
-    {
-        std::filesystem::current_path(old_cwd_);
-        std::filesystem::remove_all(scratch_);
-        Paths::TearDown();
-    }
-    std::filesystem::path scratch_, old_cwd_;
-};
-
-TEST_F(Diagnosis, Lines)
+// The diagnosis appends to kesinit.err in the current directory: it runs in
+// a scratch one, with a home that has the two files it looks for.
+TEST_F(Paths, DiagnosisOfMissingLocalizationFiles)
 {
-    const std::string full = (scratch_ / "home").string();
+    namespace fs = std::filesystem;
+    const fs::path scratch = fs::temp_directory_path() / ("kescomn_paths_" + std::to_string(getpid()));
+    const fs::path old_cwd = fs::current_path();
+    fs::create_directories(scratch / "home/config");
+    fs::create_directories(scratch / "home/locales");
+    std::ofstream(scratch / "home/config/objectid.dat") << "";
+    std::ofstream(scratch / "home/locales/locales.dat") << "";
+    fs::current_path(scratch);
+    const std::string full = (scratch / "home").string();
     const std::string header = "\n\nThe context allocation routine failed when it tried to load localization files!!\n"
                                "One or more following problems may caused the failure\n\n";
-    struct Case {
+    const struct {
         std::string home;
         Env lc_all, lang;
         bool remove_locales;
@@ -315,14 +289,14 @@ TEST_F(Diagnosis, Lines)
         {std::string(2000, 'k'), {}, {}, false, CS_FAIL,
          {header + "Cannot access the kestor home directory, please check environment variable KESTOR or ~kestor\n"},
          {"Your kestor home"}},
-        {scratch_.string() + "/nowhere", {}, {}, false, CS_FAIL, {"Cannot access file objectid.dat\n"}, {"locales.dat", "Using"}},
+        {scratch.string() + "/nowhere", {}, {}, false, CS_FAIL, {"Cannot access file objectid.dat\n"}, {"locales.dat", "Using"}},
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         setenv("KESTOR", c.home.c_str(), 1);
         set("LC_ALL", c.lc_all);
         set("LANG", c.lang);
         if (c.remove_locales)
-            std::filesystem::remove(scratch_ / "home/locales/locales.dat");
+            fs::remove(scratch / "home/locales/locales.dat");
         ::testing::internal::CaptureStderr();
         EXPECT_EQ(com_intl_verify_ctxloc(&ctx), c.expected);
         const std::string out = ::testing::internal::GetCapturedStderr();
@@ -331,7 +305,9 @@ TEST_F(Diagnosis, Lines)
         for (const std::string &text : c.absent)
             EXPECT_EQ(out.find(text), std::string::npos) << "unexpected \"" << text << "\" in\n" << out;
     }
-    EXPECT_TRUE(std::filesystem::exists(scratch_ / "kesinit.err"));
+    EXPECT_TRUE(fs::exists(scratch / "kesinit.err"));
+    fs::current_path(old_cwd);
+    fs::remove_all(scratch);
 }
 
 TEST_F(Paths, Assertions)

@@ -54,13 +54,11 @@ TEST(StateTables, RandomTablesAgreeWithALookup)
             list.push_back({events[i], CS_STATE(rng() % 2 ? 149 : rng() % 5)});
         list.push_back({255, 0});
         CS_EVENT_NS *rows[2] = {list.data(), list.data()};
-        const CS_STATE state = CS_STATE(rng() % 2);
         CS_ST_TABLE st{};
-        st.st_numstates = 2;
-        st.st_trans = rows;
+        st.st_numstates = 2, st.st_trans = rows;
         CS_NS_TABLE ns{};
-        ns.nsnumstates = 2;
-        ns.nstable = rows;
+        ns.nsnumstates = 2, ns.nstable = rows;
+        const CS_STATE state = CS_STATE(rng() % 2);
         const CS_EVENT ev = events[rng() % events.size()];
         auto hit = std::find_if(list.begin(), list.end() - 1, [&](auto e) { return e.ens_event == ev; });
         const bool found = hit != list.end() - 1;
@@ -75,9 +73,7 @@ TEST(StateTables, PermittedEventsAndDependencies)
     CS_EVENT ver0[] = {1, 2, 255}, ver1[] = {255}, *ver[] = {ver0, ver1};
     CS_DEPEND dep[] = {{3, 1}, {4, 2}, {255, 0}};
     CS_ST_TABLE st{};
-    st.st_numstates = 2;
-    st.st_ver = ver;
-    st.st_depend = dep;
+    st.st_numstates = 2, st.st_ver = ver, st.st_depend = dep;
     EXPECT_TRUE(com_st_ver(&st, 0, 2));
     EXPECT_FALSE(com_st_ver(&st, 0, 255)) << "the terminator is no event";
     EXPECT_FALSE(com_st_ver(&st, 1, 1));
@@ -103,11 +99,9 @@ TEST(AppGlobal, SharedRecordCountsUsersAndDropsTheChainAtTheEnd)
     auto *chain = reinterpret_cast<CS_CFGCHAIN *>(&dropped_chain);
     a->ag_cfgchain = chain;
     ASSERT_EQ(com_appglobal_alloc(&b, &second, CS_AG_SHARED), CS_SUCCEED);
-    EXPECT_EQ(b, a);
-    EXPECT_EQ(b->ag_accesscnt, 2);
+    EXPECT_EQ(std::pair(b, b->ag_accesscnt), std::pair(a, 2));
     EXPECT_EQ(b->ag_ctxthread, &first) << "a later user keeps the first thread table";
     EXPECT_EQ(b->ag_cfgchain, nullptr) << "and starts without loaded files";
-
     com__appglobal_set_cfgdrop([](CS_VOID *c) { dropped_chain = c; });
     b->ag_cfgchain = chain;
     EXPECT_EQ(com_appglobal_drop(b, CS_AG_SHARED), CS_SUCCEED);
@@ -120,8 +114,7 @@ TEST(AppGlobal, SharedRecordCountsUsersAndDropsTheChainAtTheEnd)
 
     ASSERT_EQ(com_appglobal_alloc(&a, nullptr, 0), CS_SUCCEED);
     ASSERT_EQ(com_appglobal_alloc(&b, nullptr, 2), CS_SUCCEED) << "only bit 1 selects sharing";
-    EXPECT_NE(a, b);
-    EXPECT_NE(a, &Application_global);
+    EXPECT_TRUE(a != b && a != &Application_global);
     EXPECT_EQ(com_appglobal_drop(a, 0), CS_SUCCEED);
     EXPECT_EQ(com_appglobal_drop(b, 0), CS_SUCCEED);
 }
@@ -171,6 +164,7 @@ TEST(ByteTools, ComparisonsAgreeWithTheCLibrary)
     EXPECT_EQ(com_memhilo("abc", 2, "abc", 3), -1);
 }
 
+// Each case runs on the string the one before left.
 TEST(ByteTools, SetStringReplacesOnlyWithSomething)
 {
     CS_CHAR *s = nullptr;
@@ -184,8 +178,8 @@ TEST(ByteTools, SetStringReplacesOnlyWithSomething)
         {"hello", CS_NULLTERM, CS_SUCCEED, "hello"}, {"", CS_NULLTERM, CS_FAIL, "hello"},
         {"xyz", 0, CS_FAIL, "hello"},                {"xyz", -2, CS_FAIL, "hello"},
         {"xyz", 2, CS_SUCCEED, "xy"},                {"a\0b", 3, CS_SUCCEED, "a\0b"s},
-        {"a longer string than before", CS_NULLTERM, CS_SUCCEED, "a longer string than before"},
-        {nullptr, 3, CS_FAIL, "a longer string than before"},
+        {"longer than before", CS_NULLTERM, CS_SUCCEED, "longer than before"},
+        {nullptr, 3, CS_FAIL, "longer than before"},
     };
     for (const auto &c : cases) {
         EXPECT_EQ(com_setstring(&s, &len, c.source, c.sourcelen), c.rc);
