@@ -431,12 +431,16 @@ TEST(MmRandom, EveryDisciplineAndSupplyAgreesWithAShadowMap)
 
 TEST(MmLayout, RecordsInCallerMemoryAreLaidAtZeroAndEightyEight)
 {
+    EXPECT_EQ(offsetof(MmHeap, buffer), 24u);
+    EXPECT_EQ(offsetof(MmPoolHead, mph_chunksize), 48u);
+    EXPECT_EQ(offsetof(MM_HANDLE, mmh_pool), 56u);
     PoolContext context;
     alignas(8) std::array<CS_BYTE, MM_OVERHEAD> records{};
     MM_HANDLE *h = reinterpret_cast<MM_HANDLE *>(records.data());
     ASSERT_EQ(comn_mminit(context.get(), &h), CS_SUCCEED);
     EXPECT_EQ(reinterpret_cast<CS_BYTE *>(h), records.data() + 88);
     EXPECT_EQ(static_cast<void *>(h->mmh_head), records.data());
+    EXPECT_EQ(h->mmh_status & 3, MM_ST_CALLERMEM);
     void *p = nullptr;
     ASSERT_EQ(comn_mmalloc(h, 100, &p), CS_SUCCEED);
     EXPECT_EQ(comn_mmdrop(h, CS_UNUSED), CS_SUCCEED); // regions go back, records stay
