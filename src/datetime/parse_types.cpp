@@ -48,14 +48,16 @@ int datetime_of(CS_DATETIME *dtp, char *origcp, int origlen, int partonly, int s
 {
     dtp->dtdays = 0;
     dtp->dttime = 0;
-    CS_DATEREC parts{};
+    CS_DATEREC parts{}, fixed{};
     int rc = 0;
-    // A fixed form goes on to the in-line value apart from the grammar's
-    // road, so that its fields need not pass through memory.
+    // A fixed form goes on to the in-line value in a record of its own, which
+    // need never reach memory; only a value out of range takes the grammar's
+    // road to the make operations.
     if (R == Route::fixed_first &&
-        read_fixed_form(&parts, origcp, origlen, partonly, style, order, chatr, CS_DATETIME_TYPE, truncated)) {
-        if (kes::datetext::datetime_in_range(parts, dtp))
+        read_fixed_form(&fixed, origcp, origlen, partonly, style, order, chatr, CS_DATETIME_TYPE, truncated)) {
+        if (kes::datetext::datetime_in_range(fixed, dtp))
             return 0;
+        parts = fixed;
     } else {
         rc = kes::datetext::daterec_by_grammar(&parts, origcp, origlen, partonly, style, order, mths, shortmths,
                                                chatr, CS_DATETIME_TYPE, truncated);
@@ -72,13 +74,14 @@ int bigdatetime_of(CS_BIGDATETIME *bdt, char *origcp, int origlen, int partonly,
                    char **mths, char **shortmths, CHAR_ATTRIB *chatr)
 {
     *bdt = 0;
-    CS_DATEREC parts{};
+    CS_DATEREC parts{}, fixed{};
     CS_BOOL truncated;
     int rc = 0;
     if (R == Route::fixed_first &&
-        read_fixed_form(&parts, origcp, origlen, partonly, style, order, chatr, CS_BIGDATETIME_TYPE, &truncated)) {
-        if (kes::datetext::bigdatetime_in_range(parts, bdt))
+        read_fixed_form(&fixed, origcp, origlen, partonly, style, order, chatr, CS_BIGDATETIME_TYPE, &truncated)) {
+        if (kes::datetext::bigdatetime_in_range(fixed, bdt))
             return 0;
+        parts = fixed;
     } else {
         rc = kes::datetext::daterec_by_grammar(&parts, origcp, origlen, partonly, style, order, mths, shortmths,
                                                chatr, CS_BIGDATETIME_TYPE, &truncated);
