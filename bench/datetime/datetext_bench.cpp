@@ -162,11 +162,28 @@ void parse_peer(benchmark::State &state, int style, const char *layout)
     }
 }
 
+// The time of day alone (style 108, "hh:mm:ss") into a CS_TIME.
+void time_lib(benchmark::State &state)
+{
+    const auto texts = sample_texts(108);
+    size_t i = 0;
+    for (auto _ : state) {
+        const std::string &t = texts[i++ % kSamples];
+        CS_TIME tm;
+        CS_BOOL truncated;
+        benchmark::DoNotOptimize(com__timeafromchar_mb(&tm, const_cast<char *>(t.data()), static_cast<int>(t.size()),
+                                                       0, 1, Com__en_months, kes::datetext::en_short_months(),
+                                                       nullptr, &truncated));
+        benchmark::DoNotOptimize(tm);
+    }
+}
+
 void iso_lib(benchmark::State &s) { parse_lib(s, 23); }
 void iso_rec_lib(benchmark::State &s) { parse_rec_lib(s, 23); }
 void iso_peer(benchmark::State &s) { parse_peer(s, 23, "%Y-%m-%dT%H:%M:%S"); }
 void numeric_lib(benchmark::State &s) { parse_lib(s, 121); }
 void numeric_peer(benchmark::State &s) { parse_peer(s, 121, "%Y/%m/%d %H:%M:%S"); }
+void time_peer(benchmark::State &s) { parse_peer(s, 108, "%H:%M:%S"); }
 void named_lib(benchmark::State &s) { parse_lib(s, 100); }
 void named_peer(benchmark::State &s) { parse_peer(s, 100, "%b %d %Y %I:%M%p"); }
 
@@ -176,6 +193,8 @@ BENCHMARK(iso_rec_lib)->Name("parse_rec_iso/lib");
 BENCHMARK(iso_peer)->Name("parse_rec_iso/peer");
 BENCHMARK(numeric_lib)->Name("parse_ymd/lib");
 BENCHMARK(numeric_peer)->Name("parse_ymd/peer");
+BENCHMARK(time_lib)->Name("parse_time/lib");
+BENCHMARK(time_peer)->Name("parse_time/peer");
 BENCHMARK(named_lib)->Name("parse_named/lib");
 BENCHMARK(named_peer)->Name("parse_named/peer");
 

@@ -192,32 +192,38 @@ inline int month_first(int style, int order, bool year_leads)
 
 } // namespace fixed_detail
 
+/* Results of read_fixed: the grammar's for a date and for a lone time, and
+   none for a text that the grammar must read. */
+inline constexpr int kFixedDate = 0;
+inline constexpr int kFixedTime = 99;
+inline constexpr int kNotFixed = -1;
+
 /* Whether the fixed forms may be tried: they read bytes as they stand, which
-   only the built-in character set guarantees, and the time-only reading
-   (partonly 3) looks at no date. */
-inline bool fixed_forms_apply(int partonly, CHAR_ATTRIB *chatr)
-{
-    return partonly != 3 && (chatr == nullptr || chatr == com_get_charattrib());
-}
+   only the built-in character set guarantees. */
+inline bool fixed_forms_apply(CHAR_ATTRIB *chatr) { return chatr == nullptr || chatr == com_get_charattrib(); }
 
 /* "yyyy-mm-dd", "mm-dd-yyyy" where style and order settle month and day (any
    of "-", "/" and "." for the two separators), or "yyyymmdd"; each alone or
-   followed by one blank or "T" and "hh:mm", "hh:mm:ss", "hh:mm:ss.f" (1 to 6
-   digits) or "hh:mm:ss:m" (1 to 3 digits).  True with parts and *truncated as
-   the grammar leaves them for result 0; false, with nothing written, for any
-   other text. */
-[[gnu::always_inline]] inline bool read_fixed(CS_DATEREC *parts, const char *text, int len, int style, int order,
-                                              CS_INT dt_type, CS_BOOL *truncated)
+   followed by one blank or "T" and a time: "hh:mm", "hh:mm:ss", "hh:mm:ss.f"
+   (1 to 6 digits) or "hh:mm:ss:m" (1 to 3 digits).  Or such a time alone,
+   the only form taken for partonly 3, which looks at no date.  The grammar's
+   result with parts and *truncated as the grammar leaves them, or kNotFixed
+   with nothing written. */
+[[gnu::always_inline]] inline int read_fixed(CS_DATEREC *parts, const char *text, int len, int partonly, int style,
+                                             int order, CS_INT dt_type, CS_BOOL *truncated)
 {
     using namespace fixed_detail;
     const auto *p = reinterpret_cast<const Byte *>(text);
     Fields f;
-    const int date = read_date(p, len, style, order, &f);
-    if (date == 0)
-        return false;
-    // One blank or "T" (read_date saw it) and a time, or nothing.
-    if (date < len && !read_time(p + date + 1, len - date - 1, &f))
-        return false;
+    const int date = partonly != 3 ? read_date(p, len, style, order, &f) : 0;
+    if (date == 0) {
+        // A lone time; the grammar leaves the year as it finds it.
+        if (!read_time(p, len, &f))
+            return kNotFixed;
+    } else if (date < len && !read_time(p + date + 1, len - date - 1, &f)) {
+        // One blank or "T" (read_date saw it) and a time, or nothing.
+        return kNotFixed;
+    }
 
     CS_INT ms = 0, frac = 0, prec = 0;
     if (f.micros >= 0) {
@@ -232,16 +238,21 @@ inline bool fixed_forms_apply(int partonly, CHAR_ATTRIB *chatr)
                 ms = 999;
         }
     }
-    parts->dateyear = f.year;
-    parts->datemonth = f.month - 1;
-    parts->datedmonth = f.day;
+    if (date != 0) {
+        parts->dateyear = f.year;
+        parts->datemonth = f.month - 1;
+        parts->datedmonth = f.day;
+    } else {
+        parts->datemonth = 0;
+        parts->datedmonth = 1;
+    }
     parts->datehour = f.hour;
     parts->dateminute = f.minute;
     parts->datesecond = f.second;
     parts->datemsecond = ms;
     parts->datesecfrac = frac;
     parts->datesecprec = prec;
-    return true;
+    return date != 0 ? kFixedDate : kFixedTime;
 }
 
 namespace fixed_detail {
@@ -278,19 +289,41 @@ namespace fixed_detail {
 
 } // namespace fixed_detail
 
+/* The dttime that com__timemake makes of a record whose time fields are all
+   in range; false, with nothing written, when one is not. */
+[[gnu::always_inline]] inline bool ticks_in_range(const CS_DATEREC &r, CS_INT *ticks)
+{
+    const int64_t seconds = fixed_detail::seconds_in_range(r);
+    const auto ms = static_cast<uint32_t>(r.datesecprec == 1000000 ? r.datesecfrac / 1000 : r.datemsecond);
+    if ((seconds < 0) | (ms > 999))
+        return false;
+    // 999 ms would round to 300 ticks, the next second.
+    *ticks = static_cast<CS_INT>(seconds * kes::cal::kTicksPerSecond + (ms == 999 ? 299 : (3 * ms + 5) / 10));
+    return true;
+}
+
+/* The time that com__bigtimemake makes of such a record. */
+[[gnu::always_inline]] inline bool micros_in_range(const CS_DATEREC &r, CS_BIGTIME *micros)
+{
+    const int64_t seconds = fixed_detail::seconds_in_range(r);
+    const int64_t frac = r.datesecprec == 1000000 ? int64_t{r.datesecfrac} : int64_t{r.datemsecond} * 1000;
+    if ((seconds < 0) | (static_cast<uint64_t>(frac) > 999999))
+        return false;
+    *micros = static_cast<uint64_t>(seconds * kes::cal::kMicrosPerSecond + frac);
+    return true;
+}
+
 /* The CS_DATETIME that com__timemake and com__datemake make of a record whose
    fields are all in range; false, with nothing written, when one is not, so
    that those report it. */
 [[gnu::always_inline]] inline bool datetime_in_range(const CS_DATEREC &r, CS_DATETIME *dtp)
 {
-    using namespace fixed_detail;
-    const int64_t days = days_in_range(r), seconds = seconds_in_range(r);
-    const auto ms = static_cast<uint32_t>(r.datesecprec == 1000000 ? r.datesecfrac / 1000 : r.datemsecond);
-    if ((days == 0) | (seconds < 0) | (ms > 999))
+    const int64_t days = fixed_detail::days_in_range(r);
+    CS_INT ticks;
+    if (days == 0 || !ticks_in_range(r, &ticks))
         return false;
     dtp->dtdays = static_cast<CS_INT>(days - (kes::cal::kEpochDays + 1));
-    // 999 ms would round to 300 ticks, the next second.
-    dtp->dttime = static_cast<CS_INT>(seconds * kes::cal::kTicksPerSecond + (ms == 999 ? 299 : (3 * ms + 5) / 10));
+    dtp->dttime = ticks;
     return true;
 }
 
@@ -298,13 +331,11 @@ namespace fixed_detail {
    the record. */
 [[gnu::always_inline]] inline bool bigdatetime_in_range(const CS_DATEREC &r, CS_BIGDATETIME *bdt)
 {
-    using namespace fixed_detail;
-    const int64_t days = days_in_range(r), seconds = seconds_in_range(r);
-    const int64_t frac = r.datesecprec == 1000000 ? int64_t{r.datesecfrac} : int64_t{r.datemsecond} * 1000;
-    if ((days == 0) | (seconds < 0) | (static_cast<uint64_t>(frac) > 999999))
+    const int64_t days = fixed_detail::days_in_range(r);
+    CS_BIGTIME micros;
+    if (days == 0 || !micros_in_range(r, &micros))
         return false;
-    *bdt = static_cast<uint64_t>(days - 1) * kes::cal::kMicrosPerDay + kes::cal::kBigMin +
-           static_cast<uint64_t>(seconds * kes::cal::kMicrosPerSecond + frac);
+    *bdt = static_cast<uint64_t>(days - 1) * kes::cal::kMicrosPerDay + kes::cal::kBigMin + micros;
     return true;
 }
 

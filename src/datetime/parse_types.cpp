@@ -13,18 +13,17 @@ namespace {
 constexpr int kNoDate = 99;
 constexpr int kBadValue = 1;
 
-// The fixed forms, where they apply and the text is one of them: the record
-// as the grammar would leave it for result 0.
-[[gnu::always_inline]] inline bool read_fixed_form(CS_DATEREC *parts, char *origcp, int origlen, int partonly,
-                                                   int style, int order, CHAR_ATTRIB *chatr, CS_INT dt_type,
-                                                   CS_BOOL *truncated)
+// The fixed forms, where they apply: read_fixed's result.
+[[gnu::always_inline]] inline int read_fixed_form(CS_DATEREC *parts, char *origcp, int origlen, int partonly,
+                                                  int style, int order, CHAR_ATTRIB *chatr, CS_INT dt_type,
+                                                  CS_BOOL *truncated)
 {
-    if (!kes::datetext::fixed_forms_apply(partonly, chatr))
-        return false;
+    if (!kes::datetext::fixed_forms_apply(chatr))
+        return kes::datetext::kNotFixed;
     CS_BOOL ignored;
     CS_BOOL *lost = truncated != nullptr ? truncated : &ignored;
     *lost = 0;
-    return kes::datetext::read_fixed(parts, origcp, origlen, style, order, dt_type, lost);
+    return kes::datetext::read_fixed(parts, origcp, origlen, partonly, style, order, dt_type, lost);
 }
 
 // Every reader below is stamped out for both routes to the record: the
@@ -35,9 +34,11 @@ template <Route R>
 int read_record(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order, char **mths,
                 char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type, CS_BOOL *truncated)
 {
-    if (R == Route::fixed_first &&
-        read_fixed_form(parts, origcp, origlen, partonly, style, order, chatr, dt_type, truncated))
-        return 0;
+    if (R == Route::fixed_first) {
+        const int rc = read_fixed_form(parts, origcp, origlen, partonly, style, order, chatr, dt_type, truncated);
+        if (rc != kes::datetext::kNotFixed)
+            return rc;
+    }
     return kes::datetext::daterec_by_grammar(parts, origcp, origlen, partonly, style, order, mths, shortmths, chatr,
                                              dt_type, truncated);
 }
@@ -49,13 +50,18 @@ int datetime_of(CS_DATETIME *dtp, char *origcp, int origlen, int partonly, int s
     dtp->dtdays = 0;
     dtp->dttime = 0;
     CS_DATEREC parts{}, fixed{};
-    int rc = 0;
     // A fixed form goes on to the in-line value in a record of its own, which
     // need never reach memory; only a value out of range takes the grammar's
     // road to the make operations.
-    if (R == Route::fixed_first &&
-        read_fixed_form(&fixed, origcp, origlen, partonly, style, order, chatr, CS_DATETIME_TYPE, truncated)) {
+    int rc = R == Route::fixed_first ? read_fixed_form(&fixed, origcp, origlen, partonly, style, order, chatr,
+                                                       CS_DATETIME_TYPE, truncated)
+                                     : kes::datetext::kNotFixed;
+    if (rc == kes::datetext::kFixedDate) {
         if (kes::datetext::datetime_in_range(fixed, dtp))
+            return 0;
+        parts = fixed;
+    } else if (rc == kes::datetext::kFixedTime) {
+        if (kes::datetext::ticks_in_range(fixed, &dtp->dttime))
             return 0;
         parts = fixed;
     } else {
@@ -76,11 +82,19 @@ int bigdatetime_of(CS_BIGDATETIME *bdt, char *origcp, int origlen, int partonly,
     *bdt = 0;
     CS_DATEREC parts{}, fixed{};
     CS_BOOL truncated;
-    int rc = 0;
-    if (R == Route::fixed_first &&
-        read_fixed_form(&fixed, origcp, origlen, partonly, style, order, chatr, CS_BIGDATETIME_TYPE, &truncated)) {
+    int rc = R == Route::fixed_first ? read_fixed_form(&fixed, origcp, origlen, partonly, style, order, chatr,
+                                                       CS_BIGDATETIME_TYPE, &truncated)
+                                     : kes::datetext::kNotFixed;
+    CS_BIGTIME micros;
+    if (rc == kes::datetext::kFixedDate) {
         if (kes::datetext::bigdatetime_in_range(fixed, bdt))
             return 0;
+        parts = fixed;
+    } else if (rc == kes::datetext::kFixedTime) {
+        if (kes::datetext::micros_in_range(fixed, &micros)) {
+            *bdt = micros + kBigMin; // a lone time falls on 0001-01-01
+            return 0;
+        }
         parts = fixed;
     } else {
         rc = kes::datetext::daterec_by_grammar(&parts, origcp, origlen, partonly, style, order, mths, shortmths,

@@ -1,4 +1,5 @@
-// The fixed forms read in front of the date grammar: which texts they take;
+// The fixed forms read in front of the date grammar: which texts they take
+// (dates, with or without a time, and lone times);
 // the in-line values of in-range records against the make operations over
 // the whole calendar; and a seeded run of generated texts through every
 // reader by both routes (fixed forms first, grammar alone) that must agree in
@@ -172,12 +173,14 @@ std::string disagreement(const std::string &text, int style, int order, CHAR_ATT
     return "";
 }
 
-bool fixed_takes(const std::string &text, int style = 0, int order = 1, CS_INT dt_type = CS_DATETIME_TYPE)
+bool fixed_takes(const std::string &text, int style = 0, int order = 1, CS_INT dt_type = CS_DATETIME_TYPE,
+                 int partonly = 0)
 {
     Exact t(text);
     CS_DATEREC parts{};
     CS_BOOL truncated = 0;
-    return kes::datetext::read_fixed(&parts, t.data(), t.len(), style, order, dt_type, &truncated);
+    return kes::datetext::read_fixed(&parts, t.data(), t.len(), partonly, style, order, dt_type, &truncated) !=
+           kes::datetext::kNotFixed;
 }
 
 struct Form {
@@ -209,6 +212,10 @@ const Form kForms[] = {
     {"20081231 10:20:30.12", true},
     {"20081231T10:20", true},
     {"0000-99-99 99:99:99", true},        // fields are the make's business
+    {"10:20", true},                      // a lone time
+    {"10:20:30", true},
+    {"10:20:30.123456", true},
+    {"99:99:99:999", true},
     // Left to the grammar.
     {"", false},
     {"2008", false},
@@ -233,6 +240,11 @@ const Form kForms[] = {
     {"2008-12-31 10:20PM", false},
     {"2008-12-31 10-20-30", false},
     {"10:20:30 2008-12-31", false},
+    {"1:20", false},
+    {"10:20 ", false},
+    {"10:20:30 PM", false},
+    {"10:20:30.1234567", false},
+    {"T10:20", false},
     {"Dec-31-2008", false},
     {"12/31/2008", false, 1},             // year not taken: the grammar refuses
     {"2008-12-31", false, 23},
@@ -248,6 +260,25 @@ TEST(DateFixedForms, TakenExactlyWhereTheGrammarAgrees)
         for (int extra = 0; extra < 16; extra++)
             EXPECT_EQ(disagreement(f.text, f.style, f.order, nullptr, extra), "");
     }
+}
+
+TEST(DateFixedForms, TimeOnlyReadingTakesOnlyALoneTime)
+{
+    EXPECT_TRUE(fixed_takes("10:20:30.5", 0, 1, CS_DATETIME_TYPE, 3));
+    EXPECT_FALSE(fixed_takes("2008-12-31", 0, 1, CS_DATETIME_TYPE, 3));
+    EXPECT_FALSE(fixed_takes("2008-12-31 10:20", 0, 1, CS_DATETIME_TYPE, 3));
+    // The grammar leaves the year of a lone time as it finds it.
+    Exact t("10:20:30:7");
+    CS_DATEREC r;
+    std::memset(&r, kPattern, sizeof r);
+    CS_BOOL truncated = 7;
+    ASSERT_EQ(kes::datetext::read_fixed(&r, t.data(), t.len(), 0, 0, 1, CS_BIGTIME_TYPE, &truncated), 99);
+    EXPECT_EQ(r.dateyear, static_cast<CS_INT>(0xA5A5A5A5));
+    EXPECT_EQ(r.datemonth, 0);
+    EXPECT_EQ(r.datedmonth, 1);
+    EXPECT_EQ(r.datesecfrac, 7000);
+    EXPECT_EQ(r.datesecprec, 1000000);
+    EXPECT_EQ(truncated, 7); // read_fixed leaves clearing the flag to its caller
 }
 
 TEST(DateFixedForms, OnlyTheBuiltInCharacterSetReadsBytesDirectly)
