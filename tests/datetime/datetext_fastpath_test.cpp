@@ -268,17 +268,20 @@ TEST(DateFixedForms, TimeOnlyReadingTakesOnlyALoneTime)
     EXPECT_FALSE(fixed_takes("2008-12-31", 0, 1, CS_DATETIME_TYPE, 3));
     EXPECT_FALSE(fixed_takes("2008-12-31 10:20", 0, 1, CS_DATETIME_TYPE, 3));
     // The grammar leaves the year of a lone time as it finds it.
-    Exact t("10:20:30:7");
+    const std::string text = "10:20:30:7";
+    ASSERT_TRUE(fixed_takes(text, 0, 1, CS_BIGTIME_TYPE));
+    Exact t(text);
     CS_DATEREC r;
     std::memset(&r, kPattern, sizeof r);
     CS_BOOL truncated = 7;
-    ASSERT_EQ(kes::datetext::read_fixed(&r, t.data(), t.len(), 0, 0, 1, CS_BIGTIME_TYPE, &truncated), 99);
+    ASSERT_EQ(xdaterecfromchar(&r, t.data(), t.len(), 0, 0, 1, months(), shorts(), nullptr, CS_BIGTIME_TYPE, &truncated),
+              99);
     EXPECT_EQ(r.dateyear, static_cast<CS_INT>(0xA5A5A5A5));
     EXPECT_EQ(r.datemonth, 0);
     EXPECT_EQ(r.datedmonth, 1);
     EXPECT_EQ(r.datesecfrac, 7000);
     EXPECT_EQ(r.datesecprec, 1000000);
-    EXPECT_EQ(truncated, 7); // read_fixed leaves clearing the flag to its caller
+    EXPECT_EQ(truncated, 0);
 }
 
 TEST(DateFixedForms, OnlyTheBuiltInCharacterSetReadsBytesDirectly)
