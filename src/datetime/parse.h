@@ -67,7 +67,8 @@ int com__amcheck(CS_DATEREC *pp, int pmflag);
 
 /* The grammar: fills the date and time fields of parts.  dt_type 35 or 36
    keeps microseconds in datesecfrac; any other type keeps milliseconds and
-   sets *truncated when a fraction loses digits.  Results above. */
+   sets *truncated when a fraction loses digits.  Results above.  The fixed
+   forms of parse_fast.h are read from their bytes first, to the same end. */
 int xdaterecfromchar(CS_DATEREC *parts, char *origcp, int origlen, int partonly, int style, int order,
                      char **mths, char **shortmths, CHAR_ATTRIB *chatr, CS_INT dt_type,
                      CS_BOOL *truncated);
