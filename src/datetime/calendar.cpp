@@ -27,10 +27,6 @@ constexpr bool is_leap(int64_t year)
     return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
-// The same for a valid year: a multiple of 4 that is a multiple of 100 only
-// if also of 400, which for a multiple of 25 means of 16.
-constexpr bool is_leap(uint32_t year) { return (year & 3) == 0 && (year % 25 != 0 || (year & 15) == 0); }
-
 constexpr int64_t leap_count(int64_t year)
 {
     return year < 0 ? 0 : year / 4 - year / 100 + year / 400;
@@ -45,12 +41,10 @@ int make_days(const CS_DATEREC *pp, int64_t *acc)
     if (pp->dateyear < 1 || pp->dateyear > 9999)
         return 1;
     const auto year = static_cast<uint32_t>(pp->dateyear);
-    const uint32_t prior = year - 1;
-    const uint32_t centuries = prior / 100;
-    *acc += 365 * prior + prior / 4 - centuries + centuries / 4;
+    *acc += days_before_year(year);
     if (static_cast<uint32_t>(pp->datemonth) > 11)
         return 2;
-    const MONTHCNT &month = (is_leap(year) ? lmonthdays : monthdays)[pp->datemonth];
+    const MONTHCNT &month = month_row(year, static_cast<uint32_t>(pp->datemonth));
     *acc += month.daysum;
     if (pp->datedmonth < 1 || pp->datedmonth > month.daysinmonth)
         return 3;

@@ -67,6 +67,34 @@ extern const MONTHCNT lmonthdays[12];
    the Monday of ISO week 1. */
 extern const int week_one_offset[7];
 
+KES_END_DECLS
+
+#ifdef __cplusplus
+namespace kes::cal {
+
+// Days from 0001-01-01 to January 1 of year (1..9999).
+constexpr int64_t days_before_year(uint32_t year)
+{
+    const uint32_t prior = year - 1, centuries = prior / 100;
+    return int64_t{365} * prior + prior / 4 - centuries + centuries / 4;
+}
+
+// The calendar row of month (0..11) in year (1..9999).  A leap year is a
+// multiple of 4 that is a multiple of 100 only if also of 400, which for a
+// multiple of 25 means of 16; it picks the table by index, since a branch
+// mispredicts on random years.
+inline const MONTHCNT &month_row(uint32_t year, uint32_t month)
+{
+    static const MONTHCNT *const tables[2] = {monthdays, lmonthdays};
+    const unsigned leap = ((year & 3) == 0) & ((year % 25 != 0) | ((year & 15) == 0));
+    return tables[leap][month];
+}
+
+} // namespace kes::cal
+#endif
+
+KES_BEGIN_DECLS
+
 /* 1 when year + 1 is a leap year: the argument counts years from 0, so callers
    pass dateyear - 1. */
 int leapyear(int year);

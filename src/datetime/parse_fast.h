@@ -258,23 +258,17 @@ inline bool fixed_forms_apply(CHAR_ATTRIB *chatr) { return chatr == nullptr || c
 namespace fixed_detail {
 
 // The day count of com__datemake's sum (0001-01-01 is day 1) for a date
-// whose fields are all in range, else 0.  The leap year is found without a
-// branch: the year of a text is no pattern that a predictor learns.
+// whose fields are all in range, else 0.
 [[gnu::always_inline]] inline int64_t days_in_range(const CS_DATEREC &r)
 {
     const auto year = static_cast<uint32_t>(r.dateyear);
     const auto month = static_cast<uint32_t>(r.datemonth);
     if ((year - 1 > 9998) | (month > 11))
         return 0;
-    const uint32_t prior = year - 1, centuries = prior / 100;
-    // A multiple of 4 that is a multiple of 100 only if also of 400, which
-    // for a multiple of 25 means of 16; an index, so that no branch is made.
-    static constexpr const MONTHCNT *kTables[2] = {monthdays, lmonthdays};
-    const unsigned leap = ((year & 3) == 0) & ((year % 25 != 0) | ((year & 15) == 0));
-    const MONTHCNT &m = kTables[leap][month];
+    const MONTHCNT &m = kes::cal::month_row(year, month);
     if (static_cast<uint32_t>(r.datedmonth) - 1 >= static_cast<uint32_t>(m.daysinmonth))
         return 0;
-    return int64_t{365} * prior + prior / 4 - centuries + centuries / 4 + m.daysum + r.datedmonth;
+    return kes::cal::days_before_year(year) + m.daysum + r.datedmonth;
 }
 
 // Seconds since midnight of an in-range time, else -1.
