@@ -154,7 +154,40 @@ inline uint64_t bytes_above(uint64_t hi, uint64_t lo, unsigned k)
     return true;
 }
 
-// a + b, or a - b when subtract, for operands of one shape.
+// The largest magnitude of each precision up to 39 that two words hold:
+// 10^n - 1, or 2^128 - 1 where that is smaller.
+struct TwoWordLimits {
+    u128 max[kMaxWordPrec + 2];
+};
+
+constexpr TwoWordLimits make_two_word_limits()
+{
+    TwoWordLimits t{};
+    for (int n = 0; n <= kMaxWordPrec + 1; ++n) {
+        const U256 &p = kPow.p[n];
+        t.max[n] = p.w[2] != 0 ? ~u128{0} : ((static_cast<u128>(p.w[1]) << 64) | p.w[0]) - 1;
+    }
+    return t;
+}
+
+inline constexpr TwoWordLimits kTwoWordMax = make_two_word_limits();
+
+// Writes a two-word v as a result of shape out (precision at most 39) when
+// it does not exceed the precision; as store() does.
+[[gnu::always_inline]] inline bool store_two_words(u128 v, bool neg, Shape out, CS_NUMERIC *r)
+{
+    if (v > kTwoWordMax.max[out.prec])
+        return false;
+    store_be(widen(v), r->array + 1, Com__Nume_Prec_To_Len[out.prec] - 1u);
+    r->array[0] = neg && v != 0 ? 1 : 0;
+    r->precision = static_cast<CS_BYTE>(out.prec);
+    r->scale = static_cast<CS_BYTE>(out.scale);
+    return true;
+}
+
+// a + b, or a - b when subtract, for operands of one shape.  Only a sum that
+// carries out of two words, which no valid operands make, is declined for
+// its size alone.
 inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, bool subtract)
 {
     if (!word_shaped(a) || a->precision != b->precision || a->scale != b->scale)
@@ -166,16 +199,15 @@ inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, boo
     const bool nb = (b->array[0] != 0) != subtract;
     if (na == nb) {
         const u128 sum = x + y;
-        const U256 v{{static_cast<uint64_t>(sum), static_cast<uint64_t>(sum >> 64), sum < x, 0}};
-        return store(v, na, out, r);
+        return sum >= x && store_two_words(sum, na, out, r);
     }
     // Opposite signs: the larger magnitude keeps its sign.  A larger operand
     // beyond the result's precision is left to the byte kernel, which counts
     // its bytes.
     const bool x_larger = x >= y;
-    if (!less(widen(x_larger ? x : y), kPow.p[out.prec]))
+    if ((x_larger ? x : y) > kTwoWordMax.max[out.prec])
         return false;
-    return store(widen(x_larger ? x - y : y - x), x_larger ? na : nb, out, r);
+    return store_two_words(x_larger ? x - y : y - x, x_larger ? na : nb, out, r);
 }
 
 // The product of two words by two.
