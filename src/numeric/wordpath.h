@@ -313,11 +313,9 @@ inline uint64_t div_3by2_preinv(u128 &r, uint64_t u0, uint64_t d1, uint64_t d0, 
     return q1;
 }
 
-// hi:lo shifted left by s (0 <= s < 64), the top word.
-inline uint64_t funnel(uint64_t hi, uint64_t lo, int s)
-{
-    return static_cast<uint64_t>((((static_cast<u128>(hi) << 64) | lo) << s) >> 64);
-}
+// hi:lo shifted left by s (0 <= s < 64), the top word.  The low word goes
+// right in two steps, so that no shift reaches 64 and no branch is needed.
+inline uint64_t funnel(uint64_t hi, uint64_t lo, int s) { return (hi << s) | ((lo >> 1) >> (63 - s)); }
 
 // n / d truncated, d not zero.
 inline U256 quotient(const U256 &n, u128 d)
