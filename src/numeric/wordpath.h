@@ -77,13 +77,17 @@ inline uint64_t be64(const CS_BYTE *p)
     return __builtin_bswap64(v);
 }
 
-// The magnitude of a record of at most 17 bytes.  The 16 bytes after the
-// sign byte are read whole and the ones past the value shifted out.
+// The magnitude of a record of at most 17 bytes.  Whole words are read
+// inside the record: the low word ending at the value's last byte, and the
+// eight bytes after the sign byte, whose part past the value is shifted out.
 [[gnu::always_inline]] inline u128 load(const CS_NUMERIC *n)
 {
-    const int len = Com__Nume_Prec_To_Len[n->precision];
-    const u128 window = (static_cast<u128>(be64(n->array + 1)) << 64) | be64(n->array + 9);
-    return window >> (8 * (17 - len));
+    const unsigned len = Com__Nume_Prec_To_Len[n->precision];
+    if (len < 9)
+        return be64(n->array + 1) >> (8 * (9 - len));
+    const uint64_t lo = be64(n->array + len - 8);
+    const uint64_t hi = len > 9 ? be64(n->array + 1) >> (8 * (17 - len)) : 0;
+    return (static_cast<u128>(hi) << 64) | lo;
 }
 
 inline U256 widen(u128 v) { return U256{{static_cast<uint64_t>(v), static_cast<uint64_t>(v >> 64), 0, 0}}; }
