@@ -233,13 +233,14 @@ inline U256 product(u128 x, u128 y)
 // themselves are compared.
 inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->array[0] != b->array[0]; }
 
-// a * b.  For these shapes the product's scale is s1 + s2, so no digit is
-// dropped.
+// a * b.  For operands of word shape the product keeps all their digits and
+// one more, at the sum of the scales, as product_shape() gives for every such
+// pair (a test walks them all); the short form keeps its clamps off this path.
 inline bool mul(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
     if (!word_shaped(a) || !word_shaped(b))
         return false;
-    const Shape out = product_shape(a->precision, a->scale, b->precision, b->scale);
+    const Shape out{a->precision + b->precision + 1, a->scale + b->scale};
     return store(product(load(a), load(b)), product_sign(a, b), out, r);
 }
 

@@ -11,6 +11,8 @@
 #include "kescomn.h"
 #include "numeric/nume_tables.h"
 #include "numeric/records.h"
+#include "numeric/shapes.h"
+#include "numeric/wordpath.h"
 
 namespace {
 
@@ -110,6 +112,20 @@ TEST_P(WordPath, SameCodeAndBytesAsTheByteKernel)
     // The generator must reach successes and failures alike.
     EXPECT_GT(successes, 30000);
     EXPECT_LT(successes, 280000);
+}
+
+// The word path writes a product's shape in its short form.
+TEST(WordPathShapes, ProductOfWordShapesKeepsEveryDigit)
+{
+    using kes::numeric::words::kMaxWordPrec;
+    for (int p1 = 1; p1 <= kMaxWordPrec; ++p1)
+        for (int p2 = 1; p2 <= kMaxWordPrec; ++p2)
+            for (int s1 = 0; s1 <= p1; ++s1)
+                for (int s2 = 0; s2 <= p2; ++s2) {
+                    const kes::numeric::Shape out = kes::numeric::product_shape(p1, s1, p2, s2);
+                    ASSERT_EQ(out.prec, p1 + p2 + 1);
+                    ASSERT_EQ(out.scale, s1 + s2);
+                }
 }
 
 std::string op_name(const ::testing::TestParamInfo<Op> &info)
