@@ -192,7 +192,7 @@ inline constexpr TwoWordLimits kTwoWordMax = make_two_word_limits();
 // a + b, or a - b when subtract, for operands of one shape.  Only a sum that
 // carries out of two words, which no valid operands make, is declined for
 // its size alone.
-inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, bool subtract)
+[[gnu::always_inline]] inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, bool subtract)
 {
     if (!word_shaped(a) || a->precision != b->precision || a->scale != b->scale)
         return false;
@@ -236,7 +236,7 @@ inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->a
 // a * b.  For operands of word shape the product keeps all their digits and
 // one more, at the sum of the scales, as product_shape() gives for every such
 // pair (a test walks them all); the short form keeps its clamps off this path.
-inline bool mul(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
+[[gnu::always_inline]] inline bool mul(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
     if (!word_shaped(a) || !word_shaped(b))
         return false;
@@ -407,7 +407,7 @@ inline bool scaled(u128 x, int shift, U256 &n)
 
 // a / b truncated toward zero: the dividend is multiplied by
 // 10^(out.scale - s1 + s2) first, which must lie in 0..77.
-inline bool div(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
+[[gnu::always_inline]] inline bool div(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
     if (!word_shaped(a) || !word_shaped(b))
         return false;
