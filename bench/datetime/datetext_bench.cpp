@@ -53,7 +53,7 @@ struct tm to_tm(const CS_DATEREC &r)
 void format_datetime_lib(benchmark::State &state, int style)
 {
     const auto values = sample_datetimes();
-    char **months = kes::datetext::en_short_months();
+    char **months = com__get_shortmonths();
     char out[64];
     size_t i = 0;
     for (auto _ : state) {
@@ -68,7 +68,7 @@ void format_rec_lib(benchmark::State &state, int style)
     std::vector<CS_DATEREC> recs;
     for (const CS_DATETIME &dt : sample_datetimes())
         recs.push_back(crack(dt));
-    char **months = kes::datetext::en_short_months();
+    char **months = com__get_shortmonths();
     char out[64];
     size_t i = 0;
     for (auto _ : state) {
@@ -114,7 +114,7 @@ std::vector<std::string> sample_texts(int style)
     std::vector<std::string> texts;
     char buf[64];
     for (CS_DATETIME dt : sample_datetimes()) {
-        const int n = com__datetochar(&dt, buf, sizeof buf, style, kes::datetext::en_short_months());
+        const int n = com__datetochar(&dt, buf, sizeof buf, style, com__get_shortmonths());
         texts.emplace_back(buf, static_cast<size_t>(n));
     }
     return texts;
@@ -123,14 +123,14 @@ std::vector<std::string> sample_texts(int style)
 void parse_lib(benchmark::State &state, int style)
 {
     const auto texts = sample_texts(style);
-    char **shorts = kes::datetext::en_short_months();
+    char **shorts = com__get_shortmonths();
     size_t i = 0;
     for (auto _ : state) {
         const std::string &t = texts[i++ % kSamples];
         CS_DATETIME dt;
         CS_BOOL truncated;
         benchmark::DoNotOptimize(com__datefromchar_mb(&dt, const_cast<char *>(t.data()), static_cast<int>(t.size()),
-                                                      0, 1, Com__en_months, shorts, nullptr, &truncated));
+                                                      0, 1, com__get_months(), shorts, nullptr, &truncated));
         benchmark::DoNotOptimize(dt);
     }
 }
@@ -138,14 +138,14 @@ void parse_lib(benchmark::State &state, int style)
 void parse_rec_lib(benchmark::State &state, int style)
 {
     const auto texts = sample_texts(style);
-    char **shorts = kes::datetext::en_short_months();
+    char **shorts = com__get_shortmonths();
     size_t i = 0;
     for (auto _ : state) {
         const std::string &t = texts[i++ % kSamples];
         CS_DATEREC r;
         CS_BOOL truncated;
         benchmark::DoNotOptimize(xdaterecfromchar(&r, const_cast<char *>(t.data()), static_cast<int>(t.size()), 0,
-                                                  0, 1, Com__en_months, shorts, nullptr, CS_DATETIME_TYPE,
+                                                  0, 1, com__get_months(), shorts, nullptr, CS_DATETIME_TYPE,
                                                   &truncated));
         benchmark::DoNotOptimize(r);
     }
@@ -172,7 +172,7 @@ void time_lib(benchmark::State &state)
         CS_TIME tm;
         CS_BOOL truncated;
         benchmark::DoNotOptimize(com__timeafromchar_mb(&tm, const_cast<char *>(t.data()), static_cast<int>(t.size()),
-                                                       0, 1, Com__en_months, kes::datetext::en_short_months(),
+                                                       0, 1, com__get_months(), com__get_shortmonths(),
                                                        nullptr, &truncated));
         benchmark::DoNotOptimize(tm);
     }

@@ -44,8 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     // Parts, names (with garbage weekdays and months) and differences.
     char name[40];
-    com__datename(in.part, &a, name, Com__en_months, Com__en_days);
-    com__datenameval(in.part, name, Com__en_months, Com__en_days, in.value, in.days[1]);
+    com__datename(in.part, &a, name, com__get_months(), com__get_weekdays());
+    com__datenameval(in.part, name, com__get_months(), com__get_weekdays(), in.value, in.days[1]);
     (void)com__datepart(part, &a, in.firstday);
     CS_INT diff;
     com__datediff(in.part, &a, &b, &diff);

@@ -85,8 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::vector<char> text(data + 3, data + size);
     char *cp = text.data();
     const int len = static_cast<int>(text.size());
-    char **months = Com__en_months;
-    char **shorts = kes::datetext::en_short_months();
+    char **months = com__get_months();
+    char **shorts = com__get_shortmonths();
     CS_ATTRIB *chatr = multibyte ? &wide.attrib : nullptr;
     CS_BOOL truncated = 2;
     char out[64];

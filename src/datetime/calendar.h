@@ -207,11 +207,5 @@ void com__timeatobigtime(CS_TIME *tp, CS_BIGTIME *bt);
 
 KES_END_DECLS
 
-#ifdef __cplusplus
-// English month and weekday names (weekday 0 is Sunday) for callers without
-// locale data: the built-in defaults, under the names the date code knows.
-inline constexpr CS_CHAR **Com__en_months = kes::intl::names(Com__Months);
-inline constexpr CS_CHAR **Com__en_days = kes::intl::names(Com__WeekDay);
-#endif
 
 #endif

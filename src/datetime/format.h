@@ -47,15 +47,4 @@ int com__bigtimetochar(CS_BIGTIME *bt, char *buf, int len, int style, char **sho
 
 KES_END_DECLS
 
-#ifdef __cplusplus
-namespace kes::datetext {
-
-// Built-in names that serve while no locale data is loaded: "Jan" to "Dec",
-// and the AM/PM marks that every language shares.
-inline char **en_short_months() { return com__get_shortmonths(); }
-inline char **ampm() { return com__get_ampm(); }
-
-} // namespace kes::datetext
-#endif
-
 #endif

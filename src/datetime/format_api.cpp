@@ -22,7 +22,7 @@ CS_INT date2char(CS_BYTE *src, CS_INT srclen, CS_BYTE *dest, CS_INT destlen, cha
     // The caller's bytes need not be aligned for a CS_DATETIME.
     CS_DATETIME dt = kes::conv::load<CS_DATETIME>(src);
     if (shortmonths == nullptr)
-        shortmonths = kes::datetext::en_short_months();
+        shortmonths = com__get_shortmonths();
     const int n = com__datetochar(&dt, reinterpret_cast<char *>(dest), destlen, style, shortmonths);
     return n <= 0 ? -1 : n;
 }
@@ -109,9 +109,9 @@ CS_INT comn_date_parse(CS_INT datatype, CS_CHAR *text, CS_INT textlen, CS_INT st
     KES_NOT_NULL(dest);
     KES_ASSERT(text != nullptr || textlen == 0);
     if (months == nullptr)
-        months = Com__en_months;
+        months = com__get_months();
     if (shortmonths == nullptr)
-        shortmonths = kes::datetext::en_short_months();
+        shortmonths = com__get_shortmonths();
     CS_BOOL lost = 0;
     CS_INT rc;
     switch (datatype) {
@@ -153,7 +153,7 @@ CS_INT comn_date_format(CS_INT datatype, CS_VOID *src, CS_INT style, CS_CHAR **s
     KES_NOT_NULL(src);
     KES_NOT_NULL(buf);
     if (shortmonths == nullptr)
-        shortmonths = kes::datetext::en_short_months();
+        shortmonths = com__get_shortmonths();
     switch (datatype) {
     case CS_DATETIME_TYPE:
         return com__datetochar(static_cast<CS_DATETIME *>(src), buf, buflen, style, shortmonths);

@@ -186,7 +186,7 @@ int number_kind(int digits)
                 advance(chars.length(cp, len));
             }
             const int bytes = static_cast<int>(cp - word);
-            int hit = count == 2 ? datelookup(word, bytes, kes::datetext::ampm(), 2, chatr) : -1;
+            int hit = count == 2 ? datelookup(word, bytes, com__get_ampm(), 2, chatr) : -1;
             if (hit >= 0) {
                 kind = set(dc, DC_AMPM, hit);
             } else if (mths == nullptr || shortmths == nullptr) {

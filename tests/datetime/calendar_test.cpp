@@ -46,7 +46,7 @@ TEST(Records, GarbageStaysInRangeAndEachCrackOrCopyKeepsItsHalf)
         com__datecrack(&dt, &r);
         EXPECT_TRUE(r.datedweek >= 0 && r.datedweek <= 6 && r.datemonth >= 0 && r.datemonth <= 11) << d;
         char name[32];
-        EXPECT_GT(com__datename(3, &dt, name, Com__en_months, Com__en_days), 0) << d;
+        EXPECT_GT(com__datename(3, &dt, name, com__get_months(), com__get_weekdays()), 0) << d;
     }
     // Only the low 25 bits of the ticks count, and the fraction is cleared.
     CS_DATETIME dt{0, 0x2000000 + 301};
@@ -142,16 +142,16 @@ TEST(Name, NumbersNamesAndTheirLimits)
     char buf[40];
     for (int part = 0; part < 15; part++) {
         std::memset(buf, '#', sizeof buf);
-        const int n = com_datename(part, &sunday, buf, Com__en_months, Com__en_days);
+        const int n = com_datename(part, &sunday, buf, com__get_months(), com__get_weekdays());
         EXPECT_EQ(std::string(buf, static_cast<size_t>(n)), want[part]) << "part " << part;
         EXPECT_EQ(buf[n], '#') << "no terminator, no fill";
     }
     // Nothing for a missing list, a part out of range or month 13.
-    EXPECT_EQ(com_datename(2, &sunday, buf, nullptr, Com__en_days), 0);
-    EXPECT_EQ(com_datename(3, &sunday, buf, Com__en_months, nullptr), 0);
-    EXPECT_EQ(com_datename(15, &sunday, buf, Com__en_months, Com__en_days), 0);
-    EXPECT_EQ(com_datename(-1, &sunday, buf, Com__en_months, Com__en_days), 0);
-    EXPECT_EQ(com__datenameval(2, buf, Com__en_months, nullptr, 13, 0), 0);
+    EXPECT_EQ(com_datename(2, &sunday, buf, nullptr, com__get_weekdays()), 0);
+    EXPECT_EQ(com_datename(3, &sunday, buf, com__get_months(), nullptr), 0);
+    EXPECT_EQ(com_datename(15, &sunday, buf, com__get_months(), com__get_weekdays()), 0);
+    EXPECT_EQ(com_datename(-1, &sunday, buf, com__get_months(), com__get_weekdays()), 0);
+    EXPECT_EQ(com__datenameval(2, buf, com__get_months(), nullptr, 13, 0), 0);
     // A number wider than its field (4, microseconds 6) is a single "*".
     struct Width { int part, value, len; };
     for (const Width &w : {Width{0, 9999, 4}, {0, 12345, 1}, {0, -999, 4}, {14, 999999, 6}, {14, 1000000, 1}})
@@ -162,7 +162,7 @@ TEST(Name, NumbersNamesAndTheirLimits)
     for (char *&m : months)
         m = long_name;
     std::memset(buf, '#', sizeof buf);
-    EXPECT_EQ(com_datename(2, &sunday, buf, months, Com__en_days), 30);
+    EXPECT_EQ(com_datename(2, &sunday, buf, months, com__get_weekdays()), 30);
     EXPECT_EQ(buf[30], '#');
     CS_BIGDATETIME big = big_at(2008, 12, 28, 0, 0, 0, 654321);
     EXPECT_EQ(com__bigdatename(14, &big, buf, nullptr, nullptr), 6);

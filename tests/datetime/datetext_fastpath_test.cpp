@@ -23,8 +23,8 @@ namespace {
 using kes::datetext::Readers;
 using kes::datetext::Route;
 
-char **months() { return Com__en_months; }
-char **shorts() { return kes::datetext::en_short_months(); }
+char **months() { return com__get_months(); }
+char **shorts() { return com__get_shortmonths(); }
 
 // The text in a buffer of exactly its length, so that a sanitizer build sees
 // any read past the end.

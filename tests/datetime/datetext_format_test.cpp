@@ -16,7 +16,7 @@
 
 namespace {
 
-char **shorts() { return kes::datetext::en_short_months(); }
+char **shorts() { return com__get_shortmonths(); }
 
 CS_DATEREC record(int y, int h, int msec, int frac, int prec)
 {

@@ -17,8 +17,8 @@
 
 namespace {
 
-char **months() { return Com__en_months; }
-char **shorts() { return kes::datetext::en_short_months(); }
+char **months() { return com__get_months(); }
+char **shorts() { return com__get_shortmonths(); }
 
 // "yyyy-mm-dd hh:mm:ss.fff", six fraction digits for the big types; a
 // midnight shows as the date alone, to keep the table short.

@@ -72,11 +72,6 @@ TEST(DateDefaults, TablesHoldTheEnglishConventionsSharedWithTheDateCode)
     EXPECT_EQ(com__get_firstday(), 7);
     EXPECT_STREQ(com__get_date_order(), "mdy");
     EXPECT_EQ(com__get_date_order_id(), 1);
-    // The same tables, not copies.
-    EXPECT_EQ(kes::datetext::en_short_months(), com__get_shortmonths());
-    EXPECT_EQ(kes::datetext::ampm(), com__get_ampm());
-    EXPECT_EQ(Com__en_months, com__get_months());
-    EXPECT_EQ(Com__en_days, com__get_weekdays());
 }
 
 // Anything but the six exact lower-case orders is "mdy".
