@@ -30,15 +30,6 @@ struct TempValue {
     TempValue &operator=(const TempValue &) = delete;
 };
 
-__CONSTANT view(CS_BYTE *value, int len)
-{
-    __CONSTANT c{};
-    c.value = value;
-    c.len = len;
-    c.maxlen = len;
-    return c;
-}
-
 bool negative(const __CONSTANT *v) { return v->len > 0 && v->value[0] != 0; }
 
 // The magnitude bytes value[1 .. len-1]; empty for a length of 0 or 1.
@@ -120,7 +111,7 @@ int div_core(const __CONSTANT *op1, const __CONSTANT *op2, __CONSTANT *quot, __C
         const int len = scaled_src->len + Com__Nume_Prec_To_Len[e] + 1;
         if (len > kDivWorkArea)
             return kOverflow;
-        __CONSTANT prod = view(work, len);
+        __CONSTANT prod = value_view(work, len);
         used = len;
         if (com__exctnume_intmul(scaled_src, &pow, &prod) != kOk)
             return kOverflow;
@@ -167,7 +158,7 @@ __CONSTANT unsigned_copy(const __CONSTANT *src, CS_BYTE *buf, int bufsize)
     const int ms = std::min(m.n, bufsize - 2);
     std::memset(buf, 0, static_cast<size_t>(bufsize));
     std::memcpy(buf + bufsize - ms, m.p + m.n - ms, static_cast<size_t>(ms));
-    return view(buf + bufsize - ms - 1, ms + 1);
+    return value_view(buf + bufsize - ms - 1, ms + 1);
 }
 
 // Increments a non-negative run, first giving it a leading byte when every
@@ -247,7 +238,7 @@ int com__exctnume_scale(__CONSTANT *inval, __CONSTANT *outval, int scale, int st
     }
     const __CONSTANT pow = power_of_ten(-scale);
     CS_BYTE rbytes[kMaxLen + 1];
-    __CONSTANT rem = view(rbytes, 0);
+    __CONSTANT rem = value_view(rbytes, 0);
     if (div_core(inval, &pow, outval, &rem, 0) != kOk)
         return kOverflow;
     return rem.len != 0 ? kLostDigits : kOk;

@@ -29,6 +29,19 @@ enum Status : int {
 // Division keeps all its temporaries in one zeroed area of this size.
 inline constexpr int kDivWorkArea = 132;
 
+// A value of len bytes at bytes (room for exactly len), of the given precision
+// and scale.
+inline __CONSTANT value_view(CS_BYTE *bytes, int len, int prec = 0, int scale = 0)
+{
+    __CONSTANT c{};
+    c.len = len;
+    c.maxlen = len;
+    c.prec = static_cast<CS_BYTE>(prec);
+    c.scale = static_cast<CS_BYTE>(scale);
+    c.value = bytes;
+    return c;
+}
+
 // A read-only view of 10^n (0 <= n <= 77) as a value of precision n + 1.
 inline __CONSTANT power_of_ten(int n)
 {

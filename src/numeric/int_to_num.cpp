@@ -34,12 +34,7 @@ template <class T> int int_to_exctnume(T value, CS_BYTE *dest, int destlen, CS_B
     if (mag != 0)
         return kOverflow;
 
-    __CONSTANT c{};
-    c.len = destlen;
-    c.maxlen = destlen;
-    c.prec = *precision;
-    c.scale = *scale;
-    c.value = dest;
+    __CONSTANT c = value_view(dest, destlen, *precision, *scale);
     if (*scale != 0) {
         const int st = com__exctnume_scale(&c, nullptr, *scale, 0);
         if (st != kOk)

@@ -34,11 +34,7 @@ void to_numeric(const CS_MONEY &m, Numeric9 &n)
     n.bytes[0] = v < 0 ? 1 : 0;
     for (int i = 8; i >= 1; --i, mag >>= 8)
         n.bytes[i] = static_cast<CS_BYTE>(mag);
-    n.c = __CONSTANT{};
-    n.c.len = n.c.maxlen = 9;
-    n.c.prec = 19;
-    n.c.scale = 4;
-    n.c.value = n.bytes;
+    n.c = kes::numeric::value_view(n.bytes, 9, 19, 4);
 }
 
 // Stores a numeric of scale 4 as money.  False when the magnitude needs more
@@ -46,9 +42,7 @@ void to_numeric(const CS_MONEY &m, Numeric9 &n)
 bool from_numeric(const __CONSTANT &num, CS_MONEY &out)
 {
     CS_BYTE bytes[9];
-    __CONSTANT nine{};
-    nine.len = nine.maxlen = 9;
-    nine.value = bytes;
+    __CONSTANT nine = kes::numeric::value_view(bytes, 9);
     if (com__exctnume_copy(&num, &nine) != 0)
         return false;
     uint64_t mag = 0;
@@ -230,11 +224,7 @@ int com__mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3)
     to_numeric(*m2, b);
 
     CS_BYTE product_bytes[kes::numeric::kMaxLen];
-    __CONSTANT product{};
-    product.len = product.maxlen = kes::numeric::kMaxLen;
-    product.prec = kes::numeric::kMaxPrec;
-    product.scale = 8;
-    product.value = product_bytes;
+    __CONSTANT product = kes::numeric::value_view(product_bytes, kes::numeric::kMaxLen, kes::numeric::kMaxPrec, 8);
     if (const int status = com__exctnume_intmul(&a.c, &b.c, &product); status != 0) {
         set(*m3, 0);
         return status;
@@ -244,9 +234,7 @@ int com__mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3)
 
     // Back to scale 4: the quotient by 10^4, rounded by its remainder.
     CS_BYTE work[kes::numeric::kMaxLen + 8];
-    __CONSTANT q{}, r{};
-    q.len = q.maxlen = sizeof work;
-    q.value = work;
+    __CONSTANT q = kes::numeric::value_view(work, sizeof work), r{};
     const __CONSTANT ten4 = kes::numeric::power_of_ten(4);
     if (const int status = com__exctnume_intdiv(&product, &ten4, &q, &r); status != 0) {
         set(*m3, 0);
@@ -263,11 +251,7 @@ int com__mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3)
         remainder = remainder << 8 | r.value[i];
 
     CS_BYTE rounded_bytes[kes::numeric::kMaxLen]{};
-    __CONSTANT rounded{};
-    rounded.len = rounded.maxlen = kes::numeric::kMaxLen;
-    rounded.prec = kes::numeric::kMaxPrec;
-    rounded.scale = 4;
-    rounded.value = rounded_bytes;
+    __CONSTANT rounded = kes::numeric::value_view(rounded_bytes, kes::numeric::kMaxLen, kes::numeric::kMaxPrec, 4);
     const int digits = q.len - 1;
     KES_ASSERT(digits < kes::numeric::kMaxLen);
     std::memcpy(rounded_bytes + kes::numeric::kMaxLen - digits, q.value + 1, static_cast<size_t>(digits));

@@ -95,17 +95,6 @@ constexpr bool is_numeric_code(CS_INT code) { return code == CS_NUMERIC_TYPE || 
 
 // ---- values ----------------------------------------------------------------------
 
-__CONSTANT value_view(CS_BYTE *bytes, int len, int prec, int scale)
-{
-    __CONSTANT c{};
-    c.len = len;
-    c.maxlen = len;
-    c.prec = static_cast<CS_BYTE>(prec);
-    c.scale = static_cast<CS_BYTE>(scale);
-    c.value = bytes;
-    return c;
-}
-
 // The record's value, or false when its precision or scale is invalid.
 bool record_value(CS_NUMERIC *n, __CONSTANT *out)
 {

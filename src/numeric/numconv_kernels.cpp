@@ -62,17 +62,6 @@ template <class T> int to_64(__CONSTANT *numeval, T *out, T (*parse)(char *))
     }
 }
 
-__CONSTANT view(CS_BYTE *bytes, int len, int prec, int scale)
-{
-    __CONSTANT c{};
-    c.len = len;
-    c.maxlen = len;
-    c.prec = static_cast<CS_BYTE>(prec);
-    c.scale = static_cast<CS_BYTE>(scale);
-    c.value = bytes;
-    return c;
-}
-
 void derive_precision(int destlen, CS_BYTE *precision)
 {
     KES_ASSERT(destlen >= 2 && destlen <= kMaxLen);
@@ -185,7 +174,7 @@ int com__doubletoexctnume(CS_FLOAT flt8val, CS_BYTE *dest, int destlen, CS_BYTE 
     if (st == kOverflow || st == kMalformed)
         return st;
     KES_ASSERT(st == kOk || st == kLostDigits);
-    const __CONSTANT c = view(dest, destlen, *precision, *scale);
+    const __CONSTANT c = value_view(dest, destlen, *precision, *scale);
     return com__exctnume_checkprecision(&c) ? kOverflow : kOk;
 }
 
@@ -193,10 +182,10 @@ int com__exctnumetomny8(__CONSTANT *numeval, CS_BYTE *dest)
 {
     CS_BYTE rounded[kMaxLen];
     KES_ASSERT(numeval->len >= 1 && numeval->len <= kMaxLen);
-    __CONSTANT r = view(rounded, numeval->len, numeval->prec, numeval->scale);
+    __CONSTANT r = value_view(rounded, numeval->len, numeval->prec, numeval->scale);
     com__exctnume_round(numeval, 4, &r);
     CS_BYTE nine[9];
-    __CONSTANT out = view(nine, 9, 19, 4);
+    __CONSTANT out = value_view(nine, 9, 19, 4);
     if (com__exctnume_scale(&r, &out, 4 - numeval->scale, 0) == kOverflow)
         return 0;
     uint64_t mag = 0;
@@ -232,11 +221,11 @@ int com__mny8toexctnume(CS_MONEY *mnyptr, CS_BYTE *dest, int destlen, CS_BYTE *p
         derive_precision(destlen, precision);
     if (*scale > kMaxPrec)
         *scale = 0;
-    __CONSTANT c = view(work, worklen, kMaxPrec, 4);
+    __CONSTANT c = value_view(work, worklen, kMaxPrec, 4);
     if (*scale != 4) {
         if (*scale < 4) {
             CS_BYTE rounded[kMaxLen];
-            __CONSTANT r = view(rounded, worklen, kMaxPrec, 4);
+            __CONSTANT r = value_view(rounded, worklen, kMaxPrec, 4);
             com__exctnume_round(&c, *scale, &r);
             std::memcpy(work, rounded, static_cast<size_t>(worklen));
         }
@@ -246,7 +235,7 @@ int com__mny8toexctnume(CS_MONEY *mnyptr, CS_BYTE *dest, int destlen, CS_BYTE *p
     }
     if (v != 0)
         work[0] = 1 & static_cast<CS_BYTE>(v < 0);
-    __CONSTANT out = view(dest, destlen, *precision, *scale);
+    __CONSTANT out = value_view(dest, destlen, *precision, *scale);
     if (!direct && com__exctnume_copy(&c, &out) != kOk)
         return kOverflow;
     return com__exctnume_checkprecision(&out) ? kOverflow : kOk;
