@@ -6,6 +6,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "conv/conv_common.h"
 #include "conv/fill.h"
 #include "conv/hex.h"
 #include "conv/scalar_io.h"
@@ -18,21 +19,13 @@
 
 namespace {
 
+using kes::conv::is_binary_family;
+using kes::conv::is_char_family;
+
 struct SourceBytes {
     const CS_BYTE *p;
     CS_INT len;
 };
-
-constexpr bool is_char_family(CS_INT code)
-{
-    return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE ||
-           code == CS_SENSITIVITY_TYPE || code == CS_BOUNDARY_TYPE || code == CS_XML_TYPE;
-}
-
-constexpr bool is_binary_family(CS_INT code)
-{
-    return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
-}
 
 struct from_bin {
     static constexpr CS_RETCODE cut = CS_TRUNCATED;

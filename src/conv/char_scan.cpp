@@ -27,6 +27,8 @@ namespace {
 using kes::conv::ByteText;
 using kes::conv::MbText;
 using kes::conv::store;
+using kes::conv::is_binary_family;
+using kes::conv::is_char_family;
 
 // ---- the integer scanner ---------------------------------------------------
 
@@ -282,17 +284,6 @@ struct SourceText {
     CS_CHAR *p;
     CS_INT len;
 };
-
-constexpr bool is_char_family(CS_INT code)
-{
-    return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE ||
-           code == CS_SENSITIVITY_TYPE || code == CS_BOUNDARY_TYPE || code == CS_XML_TYPE;
-}
-
-constexpr bool is_binary_family(CS_INT code)
-{
-    return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
-}
 
 // A text source: where its bytes are, and how a cut of its hexadecimal
 // digits is reported.

@@ -48,6 +48,18 @@ template <class T> constexpr bool is_unsigned_wide = is_one_of<T, tok_ui2, tok_u
 
 enum class Layer { comn, comnb };
 
+// The types whose values are text, and those whose values are plain bytes.
+constexpr bool is_char_family(CS_INT code)
+{
+    return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE ||
+           code == CS_SENSITIVITY_TYPE || code == CS_BOUNDARY_TYPE || code == CS_XML_TYPE;
+}
+
+constexpr bool is_binary_family(CS_INT code)
+{
+    return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
+}
+
 // The destination codes a member admits: a 64-bit integer member serves
 // CS_LONG too, and the text and byte members serve their whole family.
 template <class D> constexpr bool admits_dest(CS_INT code)
@@ -57,7 +69,7 @@ template <class D> constexpr bool admits_dest(CS_INT code)
     else if constexpr (std::is_same_v<D, tok_char>)
         return code == CS_CHAR_TYPE || code == CS_LONGCHAR_TYPE || code == CS_TEXT_TYPE;
     else if constexpr (std::is_same_v<D, tok_bin>)
-        return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
+        return is_binary_family(code);
     else if constexpr (std::is_same_v<D, tok_varchar>)
         return code == CS_VARCHAR_TYPE;
     else if constexpr (std::is_same_v<D, tok_varbin>)
