@@ -129,31 +129,15 @@ constexpr void long_cells(Matrix &m, int row)
 // Cells of the rows whose families have not all landed; a family that lands
 // names its functions here.
 // Text to text, numbers and bytes; the CS_CHAR and CS_VARCHAR rows alike.
-#define KES_TEXT_CELLS(p)                                                                    \
-    TextCells                                                                                \
-    {                                                                                        \
-        .scalar = {.tochar = comn_##p##tochar, .tobin = comn_##p##tobin, .toi1 = comn_##p##toi1, \
-                   .toi2 = comn_##p##toi2, .toi4 = comn_##p##toi4, .toflt4 = comn_##p##toflt4, \
-                   .toflt8 = comn_##p##toflt8, .tobit = comn_##p##tobit,                     \
-                   .tomoney = comn_##p##tomoney, .tomny4 = comn_##p##tomny4,                 \
-                   .tonum = comn_##p##tonum, .tovarchar = comn_##p##tovarchar,               \
-                   .tovarbin = comn_##p##tovarbin, .toi8 = comn_##p##toi8,                   \
-                   .toui2 = comn_##p##toui2, .toui4 = comn_##p##toui4,                       \
-                   .toui8 = comn_##p##toui8}                                                 \
-    }
+#define KES_MONEY_NUM_CELLS(p) KES_MONEY_CELLS(p).tonum = comn_##p##tonum,
+#define KES_TEXT_SCALAR_CELLS(p) KES_SCALAR_CELLS(p, KES_MONEY_NUM_CELLS(p))
+#define KES_TEXT_CELLS(p) TextCells{.scalar = KES_TEXT_SCALAR_CELLS(p)}
 // Bytes as every fixed type, as hexadecimal text and as bytes.
 #define KES_BYTES_CELLS(p)                                                                   \
     TextCells                                                                                \
     {                                                                                        \
-        .scalar = {.tochar = comn_##p##tochar, .tobin = comn_##p##tobin, .toi1 = comn_##p##toi1, \
-                   .toi2 = comn_##p##toi2, .toi4 = comn_##p##toi4, .toflt4 = comn_##p##toflt4, \
-                   .toflt8 = comn_##p##toflt8, .tobit = comn_##p##tobit,                     \
-                   .tomoney = comn_##p##tomoney, .tomny4 = comn_##p##tomny4,                 \
-                   .tonum = comn_##p##tonum, .tovarchar = comn_##p##tovarchar,               \
-                   .tovarbin = comn_##p##tovarbin, .toi8 = comn_##p##toi8,                   \
-                   .toui2 = comn_##p##toui2, .toui4 = comn_##p##toui4, .toui8 = comn_##p##toui8}, \
-        .todatetime = comn_##p##todatetime, .todate4 = comn_##p##todate4,                    \
-        .todatea = comn_##p##todatea, .totimea = comn_##p##totimea,                          \
+        .scalar = KES_TEXT_SCALAR_CELLS(p), .todatetime = comn_##p##todatetime,              \
+        .todate4 = comn_##p##todate4, .todatea = comn_##p##todatea, .totimea = comn_##p##totimea, \
         .tobigdatetime = comn_##p##tobigdatetime, .tobigtime = comn_##p##tobigtime           \
     }
 constexpr TextCells char_cells = KES_TEXT_CELLS(char);       // CS_CHAR, CS_LONGCHAR, CS_TEXT
@@ -162,6 +146,8 @@ constexpr TextCells bin_cells = KES_BYTES_CELLS(bin);        // CS_BINARY, CS_LO
 constexpr TextCells varbin_cells = KES_BYTES_CELLS(varbin);  // CS_VARBINARY
 #undef KES_TEXT_CELLS
 #undef KES_BYTES_CELLS
+#undef KES_TEXT_SCALAR_CELLS
+#undef KES_MONEY_NUM_CELLS
 constexpr TextCells unichar_cells{}; // CS_UNICHAR, CS_UNITEXT
 constexpr ScalarCells flt4_cells = KES_INT_CELLS(flt4); // floats fill the same members
 constexpr ScalarCells flt8_cells = KES_INT_CELLS(flt8);
