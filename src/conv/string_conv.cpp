@@ -27,16 +27,7 @@ constexpr CS_INT kQuote = '\'';
 constexpr CS_BYTE kServerFlt4 = 59;
 constexpr CS_BYTE kServerFlt8 = 62;
 
-bool char_family(CS_INT type)
-{
-    switch (type) {
-    case CS_CHAR_TYPE: case CS_LONGCHAR_TYPE: case CS_TEXT_TYPE:
-    case CS_SENSITIVITY_TYPE: case CS_BOUNDARY_TYPE: case CS_XML_TYPE:
-        return true;
-    default:
-        return false;
-    }
-}
+using kes::conv::is_char_family;
 
 CS_INT clamp0(CS_INT n) { return n > 0 ? n : 0; }
 
@@ -101,7 +92,7 @@ template <Source S> void assert_conv_args(CS_CONTEXT *context, CS_DATAFMT *srcfm
                                           CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen)
 {
     KES_CHECK_COMN_ARGS();
-    KES_ASSERT(S == Source::text ? char_family(srcfmt->datatype) : srcfmt->datatype == CS_VARCHAR_TYPE);
+    KES_ASSERT(S == Source::text ? is_char_family(srcfmt->datatype) : srcfmt->datatype == CS_VARCHAR_TYPE);
 }
 
 // ---- comn_ text destinations -------------------------------------------------
@@ -119,7 +110,7 @@ template <Source S> CS_RETCODE text_to_text(CS_CONTEXT *context, CS_DATAFMT *src
                                             CS_DATAFMT *destfmt, CS_VOID *dest, CS_INT *destlen)
 {
     assert_conv_args<S>(context, srcfmt, src, destfmt, dest, destlen);
-    KES_ASSERT(char_family(destfmt->datatype));
+    KES_ASSERT(is_char_family(destfmt->datatype));
     const Text text = S == Source::text ? Text{static_cast<CS_BYTE *>(src), clamp0(srcfmt->maxlength)}
                                         : varchar_text(src);
     const CS_INT maxlength = destfmt->maxlength;
