@@ -86,7 +86,7 @@ template <class D> constexpr bool admits_dest(CS_INT code)
     else if constexpr (std::is_same_v<D, to_varchar>)
         return code == CS_VARCHAR_TYPE;
     else if constexpr (std::is_same_v<D, to_bin>)
-        return code == CS_BINARY_TYPE || code == CS_LONGBINARY_TYPE || code == CS_IMAGE_TYPE;
+        return kes::conv::is_binary_family(code);
     else
         return code == CS_VARBINARY_TYPE;
 }
