@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "retcode_names.h"
+
 namespace kes::test {
 
 Context::Context()
@@ -53,25 +55,8 @@ std::string hex(const void *data, size_t len)
 
 std::string code_name(CS_RETCODE code)
 {
-    switch (code) {
-    case CS_SUCCEED: return "CS_SUCCEED";
-    case CS_FAIL: return "CS_FAIL";
-    case CS_MEM_ERROR: return "CS_MEM_ERROR";
-    case CS_EOVERFLOW: return "CS_EOVERFLOW";
-    case CS_EUNDERFLOW: return "CS_EUNDERFLOW";
-    case CS_EPRECISION: return "CS_EPRECISION";
-    case CS_ESCALE: return "CS_ESCALE";
-    case CS_ESYNTAX: return "CS_ESYNTAX";
-    case CS_EFORMAT: return "CS_EFORMAT";
-    case CS_EDOMAIN: return "CS_EDOMAIN";
-    case CS_EDIVZERO: return "CS_EDIVZERO";
-    case CS_TRUNCATED: return "CS_TRUNCATED";
-    case CS_ESTYLE: return "CS_ESTYLE";
-    case CS_EBADXLT: return "CS_EBADXLT";
-    case CS_ENOXLT: return "CS_ENOXLT";
-    case CS_EREPLACED: return "CS_EREPLACED";
-    default: return std::to_string(code);
-    }
+    const char *name = kescomn_cli::known_retcode_name(code);
+    return name != nullptr ? name : std::to_string(code);
 }
 
 } // namespace kes::test

@@ -1,4 +1,5 @@
 #include "cli.h"
+#include "retcode_names.h"
 
 #include <algorithm>
 #include <cctype>
@@ -80,28 +81,8 @@ std::string type_name(CS_INT code)
 
 std::string retcode_name(CS_RETCODE code)
 {
-    switch (code) {
-    case CS_SUCCEED: return "CS_SUCCEED";
-    case CS_FAIL: return "CS_FAIL";
-    case CS_MEM_ERROR: return "CS_MEM_ERROR";
-    case CS_EOVERFLOW: return "CS_EOVERFLOW";
-    case CS_EUNDERFLOW: return "CS_EUNDERFLOW";
-    case CS_EPRECISION: return "CS_EPRECISION";
-    case CS_ESCALE: return "CS_ESCALE";
-    case CS_ESYNTAX: return "CS_ESYNTAX";
-    case CS_EFORMAT: return "CS_EFORMAT";
-    case CS_EDOMAIN: return "CS_EDOMAIN";
-    case CS_EDIVZERO: return "CS_EDIVZERO";
-    case CS_TRUNCATED: return "CS_TRUNCATED";
-    case CS_ESTYLE: return "CS_ESTYLE";
-    case CS_EBADXLT: return "CS_EBADXLT";
-    case CS_ENOXLT: return "CS_ENOXLT";
-    case CS_EREPLACED: return "CS_EREPLACED";
-    case CS_END_DATA: return "CS_END_DATA";
-    case CS_EINTLFILE: return "CS_EINTLFILE";
-    case CS_EOPENFILE: return "CS_EOPENFILE";
-    default: return std::to_string(code);
-    }
+    const char *name = known_retcode_name(code);
+    return name != nullptr ? name : std::to_string(code);
 }
 
 std::string hex(const void *data, size_t len)
