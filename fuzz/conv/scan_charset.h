@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 #include "kescomn.h"
 
@@ -33,6 +34,23 @@ struct ScanCharset {
         attr.cs_width_map = width;
         attr.cs_norm_map = norm;
     }
+};
+
+// A fuzzer input as text to scan: its first byte picks no character set (the
+// built-in one), the double-byte or the four-byte set; the rest is copied to a
+// buffer of exactly its size, so that a read past the text is caught.
+struct ScanInput {
+    CS_ATTRIB *attr;
+    std::vector<char> text;
+
+    ScanInput(const uint8_t *data, size_t size) : text(data + 1, data + size)
+    {
+        static ScanCharset two(false), four(true);
+        CS_ATTRIB *const sets[] = {nullptr, &two.attr, &four.attr};
+        attr = sets[data[0] % 3];
+        text.reserve(1); // a real buffer even for no text
+    }
+    CS_INT len() const { return static_cast<CS_INT>(text.size()); }
 };
 
 inline void check(bool ok)

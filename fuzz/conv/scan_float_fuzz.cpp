@@ -30,12 +30,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     if (size < 1)
         return 0;
-    static kes::fuzz::ScanCharset two(false), four(true);
-    CS_ATTRIB *const sets[] = {nullptr, &two.attr, &four.attr};
-    CS_ATTRIB *attr = sets[data[0] % 3];
-    std::vector<char> text(data + 1, data + size);
-    text.reserve(1); // a real buffer even for no text
-    const CS_INT len = static_cast<CS_INT>(text.size());
+    kes::fuzz::ScanInput in(data, size);
+    CS_ATTRIB *attr = in.attr;
+    std::vector<char> &text = in.text;
+    const CS_INT len = in.len();
 
     CS_CONTEXT context{};
     CS_DATAFMT srcfmt{};

@@ -15,13 +15,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     if (size < 1)
         return 0;
-    static kes::fuzz::ScanCharset two(false), four(true);
-    CS_ATTRIB *const sets[] = {nullptr, &two.attr, &four.attr};
-    CS_ATTRIB *attr = sets[data[0] % 3];
-    // An exact-size copy, so that any read past the text is caught.
-    std::vector<char> text(data + 1, data + size);
-    text.reserve(1);
-    const int len = static_cast<int>(text.size());
+    kes::fuzz::ScanInput in(data, size);
+    CS_ATTRIB *attr = in.attr;
+    std::vector<char> &text = in.text;
+    const int len = in.len();
 
     CS_MONEY m{};
     const int status = com__mnyfromchar_mb(&m, text.data(), len, 0, attr);
