@@ -10,6 +10,10 @@
 #ifndef KESCOMN_NUMERIC_RECORDS_H
 #define KESCOMN_NUMERIC_RECORDS_H
 
+#include <array>
+#include <cstddef>
+#include <utility>
+
 #include "kescomn/types.h"
 #include "numeric/wordpath.h"
 
@@ -22,28 +26,78 @@ namespace kes::numeric {
 [[gnu::noinline]] CS_RETCODE bytes_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result);
 [[gnu::noinline]] CS_RETCODE bytes_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot);
 
-[[gnu::always_inline]] inline CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2,
-                                                         CS_NUMERIC *result, CS_INT operation, bool try_words)
+// A sum or difference of two operands of precision P and one scale.
+template <int P> CS_RETCODE addorsub_at(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation)
 {
-    if (try_words && oper1 && oper2 && result && (operation == 0 || operation == 1) &&
-        words::add_sub(oper1, oper2, result, operation == 1))
+    if (words::add_sub_at<P>(oper1, oper2, result, operation == 1))
         return CS_SUCCEED;
     return bytes_addorsub(oper1, oper2, result, operation);
 }
 
-[[gnu::always_inline]] inline CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result,
-                                                    bool try_words)
+using AddOrSub = CS_RETCODE (*)(CS_NUMERIC *, CS_NUMERIC *, CS_NUMERIC *, CS_INT);
+
+template <size_t... I> constexpr std::array<AddOrSub, sizeof...(I)> addorsub_table(std::index_sequence<I...>)
 {
-    if (try_words && m1 && m2 && result && words::mul(m1, m2, result))
+    return {&addorsub_at<static_cast<int>(I) + 1>...};
+}
+
+// addorsub_at<P> at P - 1: a column's sums run one instantiation.
+inline constexpr auto kAddOrSubAt = addorsub_table(std::make_index_sequence<words::kMaxWordPrec>{});
+
+[[gnu::always_inline]] inline CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2,
+                                                         CS_NUMERIC *result, CS_INT operation, bool try_words)
+{
+    if (try_words && oper1 && oper2 && result && (operation == 0 || operation == 1)) {
+        const unsigned p = oper1->precision;
+        if (p - 1u < kAddOrSubAt.size() && p == oper2->precision && oper1->scale == oper2->scale)
+            return kAddOrSubAt[p - 1](oper1, oper2, result, operation);
+    }
+    return bytes_addorsub(oper1, oper2, result, operation);
+}
+
+// A product of operands of W1 and W2 words.
+template <int W1, int W2> CS_RETCODE mul_at(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result)
+{
+    if (words::mul_at<W1, W2>(m1, m2, result))
         return CS_SUCCEED;
     return bytes_mul(m1, m2, result);
 }
 
-[[gnu::always_inline]] inline CS_RETCODE record_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor,
-                                                       CS_NUMERIC *quot, bool try_words)
+using Mul = CS_RETCODE (*)(CS_NUMERIC *, CS_NUMERIC *, CS_NUMERIC *);
+
+// mul_at by (W1 - 1) + 2 (W2 - 1).
+inline constexpr Mul kMulAt[4] = {&mul_at<1, 1>, &mul_at<2, 1>, &mul_at<1, 2>, &mul_at<2, 2>};
+
+[[gnu::always_inline]] inline CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool try_words)
 {
-    if (try_words && dividend && divisor && quot && words::div(dividend, divisor, quot))
+    if (try_words && m1 && m2 && result) {
+        const unsigned p1 = m1->precision, p2 = m2->precision;
+        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
+            return kMulAt[(p1 > words::kMaxOneWordPrec) + 2 * (p2 > words::kMaxOneWordPrec)](m1, m2, result);
+    }
+    return bytes_mul(m1, m2, result);
+}
+
+// A quotient of operands of W1 and W2 words.
+template <int W1, int W2> CS_RETCODE divide_at(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot)
+{
+    if (words::div_at<W1, W2>(dividend, divisor, quot))
         return CS_SUCCEED;
+    return bytes_divide(dividend, divisor, quot);
+}
+
+// divide_at by (W1 - 1) + 2 (W2 - 1).
+inline constexpr Mul kDivideAt[4] = {&divide_at<1, 1>, &divide_at<2, 1>, &divide_at<1, 2>, &divide_at<2, 2>};
+
+[[gnu::always_inline]] inline CS_RETCODE record_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot,
+                                                       bool try_words)
+{
+    if (try_words && dividend && divisor && quot) {
+        const unsigned p1 = dividend->precision, p2 = divisor->precision;
+        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
+            return kDivideAt[(p1 > words::kMaxOneWordPrec) + 2 * (p2 > words::kMaxOneWordPrec)](dividend, divisor,
+                                                                                                   quot);
+    }
     return bytes_divide(dividend, divisor, quot);
 }
 

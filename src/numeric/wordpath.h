@@ -77,38 +77,28 @@ inline uint64_t be64(const CS_BYTE *p)
     return __builtin_bswap64(v);
 }
 
-// The magnitude of a record of at most 17 bytes.  Whole words are read
-// inside the record: the low word ending at the value's last byte, and the
-// eight bytes after the sign byte, whose part past the value is shifted out.
-[[gnu::always_inline]] inline u128 load(const CS_NUMERIC *n)
+// The magnitude of a record of len bytes, at most 17.  The 16 bytes after
+// the sign byte lie inside the record's array for every precision, and the
+// magnitude is their leading len - 1 bytes: one shift, no branch, and with
+// len known at compile time one or two plain loads.
+[[gnu::always_inline]] inline u128 load(const CS_NUMERIC *n, unsigned len)
 {
-    const unsigned len = Com__Nume_Prec_To_Len[n->precision];
-    if (len < 9)
-        return be64(n->array + 1) >> (8 * (9 - len));
-    const uint64_t lo = be64(n->array + len - 8);
-    const uint64_t hi = len > 9 ? be64(n->array + 1) >> (8 * (17 - len)) : 0;
-    return (static_cast<u128>(hi) << 64) | lo;
+    const u128 head = (static_cast<u128>(be64(n->array + 1)) << 64) | be64(n->array + 9);
+    return head >> (8 * (17 - len));
 }
 
 inline U256 widen(u128 v) { return U256{{static_cast<uint64_t>(v), static_cast<uint64_t>(v >> 64), 0, 0}}; }
 
-// Compared from the top word, where values of different size part at once.
+inline u128 join(uint64_t hi, uint64_t lo) { return (static_cast<u128>(hi) << 64) | lo; }
+
+// Compared by halves from the top, where values of different size part.
 inline bool less(const U256 &x, const U256 &y)
 {
-    for (int i = 3; i >= 0; --i)
-        if (x.w[i] != y.w[i])
-            return x.w[i] < y.w[i];
-    return false;
+    const u128 xt = join(x.w[3], x.w[2]), yt = join(y.w[3], y.w[2]);
+    return xt < yt || (xt == yt && join(x.w[1], x.w[0]) < join(y.w[1], y.w[0]));
 }
 
 inline bool is_zero(const U256 &x) { return (x.w[0] | x.w[1] | x.w[2] | x.w[3]) == 0; }
-
-// A record of at most 38 digits with its scale within its precision: the
-// shape every operation here takes.
-inline bool word_shaped(const CS_NUMERIC *n)
-{
-    return n->precision >= 1 && n->precision <= kMaxWordPrec && n->scale <= n->precision;
-}
 
 inline void store_be64(CS_BYTE *dst, uint64_t v)
 {
@@ -124,19 +114,21 @@ inline uint64_t bytes_above(uint64_t hi, uint64_t lo, unsigned k)
 
 // Writes v big-endian into exactly n bytes at dst (n <= 32, v below
 // 2^(8n)): whole words from the end, then the top bytes with one more word
-// store that overlaps bytes already written with the same values.
+// store that overlaps bytes already written with the same values.  A caller
+// that knows n >= MinBytes skips the tests below it.
+template <unsigned MinBytes = 1>
 [[gnu::always_inline]] inline void store_be(const U256 &v, CS_BYTE *dst, unsigned n)
 {
-    if (n < 8) {
+    if (MinBytes < 8 && n < 8) {
         for (unsigned i = 0; i < n; ++i)
             dst[i] = static_cast<CS_BYTE>(v.w[0] >> (8 * (n - 1 - i)));
         return;
     }
     store_be64(dst + n - 8, v.w[0]);
-    if (n < 16)
+    if (MinBytes < 16 && n < 16)
         return store_be64(dst, bytes_above(v.w[1], v.w[0], n - 8));
     store_be64(dst + n - 16, v.w[1]);
-    if (n < 24)
+    if (MinBytes < 24 && n < 24)
         return store_be64(dst, bytes_above(v.w[2], v.w[1], n - 16));
     store_be64(dst + n - 24, v.w[2]);
     if (n < 32)
@@ -145,14 +137,16 @@ inline uint64_t bytes_above(uint64_t hi, uint64_t lo, unsigned k)
 }
 
 // Writes v as a result of shape out, when it lies below 10^out.prec: the
-// sign byte (0 for zero) and exactly the record's magnitude bytes, nothing
-// past them.
-[[gnu::always_inline]] inline bool store(const U256 &v, bool neg, Shape out, CS_NUMERIC *r)
+// sign byte (1 when negative, which the caller gives only for a value that
+// is not zero) and exactly the record's magnitude bytes, nothing past them.
+// MinPrec is a precision out.prec is known to reach.
+template <int MinPrec = 1>
+[[gnu::always_inline]] inline bool store(const U256 &v, bool negative, Shape out, CS_NUMERIC *r)
 {
     if (!less(v, kPow.p[out.prec]))
         return false;
-    store_be(v, r->array + 1, Com__Nume_Prec_To_Len[out.prec] - 1u);
-    r->array[0] = neg && !is_zero(v) ? 1 : 0;
+    store_be<Com__Nume_Prec_To_Len[MinPrec] - 1u>(v, r->array + 1, Com__Nume_Prec_To_Len[out.prec] - 1u);
+    r->array[0] = negative ? 1 : 0;
     r->precision = static_cast<CS_BYTE>(out.prec);
     r->scale = static_cast<CS_BYTE>(out.scale);
     return true;
@@ -177,7 +171,7 @@ constexpr TwoWordLimits make_two_word_limits()
 inline constexpr TwoWordLimits kTwoWordMax = make_two_word_limits();
 
 // Writes a two-word v as a result of shape out (precision at most 39) when
-// it does not exceed the precision; as store() does.
+// it does not exceed the precision, as store() does; zero is positive.
 [[gnu::always_inline]] inline bool store_two_words(u128 v, bool neg, Shape out, CS_NUMERIC *r)
 {
     if (v > kTwoWordMax.max[out.prec])
@@ -189,16 +183,22 @@ inline constexpr TwoWordLimits kTwoWordMax = make_two_word_limits();
     return true;
 }
 
-// a + b, or a - b when subtract, for operands of one shape.  Only a sum that
-// carries out of two words, which no valid operands make, is declined for
-// its size alone.
-[[gnu::always_inline]] inline bool add_sub(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r, bool subtract)
+// a + b, or a - b when subtract, for operands of one shape whose
+// precision P the caller has matched; the sum has precision P + 1 and their
+// scale.  With P fixed at compile time the loads, the limit and the stores
+// take constant offsets.  Only a sum that carries out of two words, which no
+// valid operands make, is declined for its size alone.
+template <int P>
+[[gnu::always_inline]] inline bool add_sub_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r,
+                                              bool subtract)
 {
-    if (!word_shaped(a) || a->precision != b->precision || a->scale != b->scale)
+    static_assert(P >= 1 && P <= kMaxWordPrec);
+    if (a->scale > P)
         return false;
-    const Shape out = sum_shape(a->precision, a->scale);
-    const u128 x = load(a);
-    const u128 y = load(b);
+    const Shape out{P + 1, a->scale};
+    constexpr unsigned len = Com__Nume_Prec_To_Len[P];
+    const u128 x = load(a, len);
+    const u128 y = load(b, len);
     const bool na = a->array[0] != 0;
     const bool nb = (b->array[0] != 0) != subtract;
     if (na == nb) {
@@ -209,39 +209,65 @@ inline constexpr TwoWordLimits kTwoWordMax = make_two_word_limits();
     // beyond the result's precision is left to the byte kernel, which counts
     // its bytes.
     const bool x_larger = x >= y;
-    if ((x_larger ? x : y) > kTwoWordMax.max[out.prec])
+    if ((x_larger ? x : y) > kTwoWordMax.max[P + 1])
         return false;
     return store_two_words(x_larger ? x - y : y - x, x_larger ? na : nb, out, r);
 }
 
-// The product of two words by two.
-inline U256 product(u128 x, u128 y)
+// The largest precision whose magnitude fits one word.
+inline constexpr int kMaxOneWordPrec = 19;
+
+// Words a magnitude of precision p (1..38) needs.
+constexpr int words_for(int p) { return p <= kMaxOneWordPrec ? 1 : 2; }
+
+// The magnitude of a record of W words, W = words_for(its precision).  One
+// word needs one load; two words need no shift across the word boundary.
+template <int W> [[gnu::always_inline]] inline void load_words(const CS_NUMERIC *n, uint64_t &hi, uint64_t &lo)
 {
-    const uint64_t x0 = static_cast<uint64_t>(x), x1 = static_cast<uint64_t>(x >> 64);
-    const uint64_t y0 = static_cast<uint64_t>(y), y1 = static_cast<uint64_t>(y >> 64);
+    const unsigned len = Com__Nume_Prec_To_Len[n->precision];
+    if constexpr (W == 1) {
+        lo = be64(n->array + 1) >> (8 * (9 - len));
+        hi = 0;
+    } else {
+        lo = be64(n->array + len - 8);
+        hi = be64(n->array + 1) >> (8 * (17 - len));
+    }
+}
+
+// The product of a W1-word x and a W2-word y, schoolbook: each partial
+// product plus the carries into its column fits 128 bits.
+template <int W1, int W2> [[gnu::always_inline]] inline U256 product(uint64_t x1, uint64_t x0, uint64_t y1, uint64_t y0)
+{
     const u128 p00 = static_cast<u128>(x0) * y0;
-    const u128 p01 = static_cast<u128>(x0) * y1;
-    const u128 p10 = static_cast<u128>(x1) * y0;
-    const u128 p11 = static_cast<u128>(x1) * y1;
-    const u128 mid = (p00 >> 64) + static_cast<uint64_t>(p01) + static_cast<uint64_t>(p10);
-    const u128 high = p11 + (p01 >> 64) + (p10 >> 64) + (mid >> 64);
-    return U256{{static_cast<uint64_t>(p00), static_cast<uint64_t>(mid), static_cast<uint64_t>(high),
-                 static_cast<uint64_t>(high >> 64)}};
+    if constexpr (W1 == 1 && W2 == 1)
+        return U256{{static_cast<uint64_t>(p00), static_cast<uint64_t>(p00 >> 64), 0, 0}};
+    const u128 t = static_cast<u128>(x0) * y1 + static_cast<uint64_t>(p00 >> 64);
+    const u128 u = static_cast<u128>(x1) * y0 + static_cast<uint64_t>(t);
+    const u128 v = static_cast<u128>(x1) * y1 + static_cast<uint64_t>(t >> 64) + static_cast<uint64_t>(u >> 64);
+    return U256{{static_cast<uint64_t>(p00), static_cast<uint64_t>(u), static_cast<uint64_t>(v),
+                 static_cast<uint64_t>(v >> 64)}};
 }
 
 // The sign rule of the byte kernel's product and quotient: the sign bytes
 // themselves are compared.
 inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->array[0] != b->array[0]; }
 
-// a * b.  For operands of word shape the product keeps all their digits and
-// one more, at the sum of the scales, as product_shape() gives for every such
-// pair (a test walks them all); the short form keeps its clamps off this path.
-[[gnu::always_inline]] inline bool mul(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
+// a * b for a of W1 words and b of W2 words, both of word shape, which the
+// caller has checked.  The product keeps all their digits and one more, at
+// the sum of the scales, as product_shape() gives for every such pair (a test
+// walks them all); the short form keeps its clamps off this path.
+template <int W1, int W2> [[gnu::always_inline]] inline bool mul_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
-    if (!word_shaped(a) || !word_shaped(b))
+    if (a->scale > a->precision || b->scale > b->precision)
         return false;
     const Shape out{a->precision + b->precision + 1, a->scale + b->scale};
-    return store(product(load(a), load(b)), product_sign(a, b), out, r);
+    uint64_t x1, x0, y1, y0;
+    load_words<W1>(a, x1, x0);
+    load_words<W2>(b, y1, y0);
+    // A product is zero only when an operand is.
+    const bool negative = product_sign(a, b) && (x0 | x1) != 0 && (y0 | y1) != 0;
+    constexpr int min_prec = (W1 == 1 ? 1 : kMaxOneWordPrec + 1) + (W2 == 1 ? 1 : kMaxOneWordPrec + 1) + 1;
+    return store<min_prec>(product<W1, W2>(x1, x0, y1, y0), negative, out, r);
 }
 
 // Division by an invariant divisor after Moeller and Granlund: the divisor
@@ -322,65 +348,61 @@ inline uint64_t div_3by2_preinv(u128 &r, uint64_t u0, uint64_t d1, uint64_t d0, 
 // right in two steps, so that no shift reaches 64 and no branch is needed.
 inline uint64_t funnel(uint64_t hi, uint64_t lo, int s) { return (hi << s) | ((lo >> 1) >> (63 - s)); }
 
-// n / d truncated, d not zero.
-inline U256 quotient(const U256 &n, u128 d)
+// The numerator n shifted left by s (0..63) bits, in five words.
+struct Shifted {
+    uint64_t w[5];
+};
+
+inline Shifted shift_left(const U256 &n, int s)
 {
-    uint64_t d1 = static_cast<uint64_t>(d >> 64), d0 = static_cast<uint64_t>(d);
-    const bool one_word = d1 == 0;
-    const int s = std::countl_zero(one_word ? d0 : d1);
+    return Shifted{{n.w[0] << s, funnel(n.w[1], n.w[0], s), funnel(n.w[2], n.w[1], s), funnel(n.w[3], n.w[2], s),
+                    funnel(0, n.w[3], s)}};
+}
+
+// n / d truncated for a one-word d, not zero.  Normalised, the top word of
+// the numerator lies below d, so four steps give every quotient word.
+inline U256 quotient(const U256 &n, uint64_t d)
+{
+    const int s = std::countl_zero(d);
+    d <<= s;
+    const Shifted nn = shift_left(n, s);
+    const uint64_t v = reciprocal(d);
+    uint64_t r = nn.w[4];
+    U256 q;
+    for (int j = 3; j >= 0; --j)
+        q.w[j] = div_2by1_preinv(r, nn.w[j], d, v);
+    return q;
+}
+
+// n / (d1 d0) truncated for d1 not zero.  Normalised, the top two words of
+// the numerator lie below the divisor, so three steps give every quotient
+// word; the quotient is below 2^192.
+inline U256 quotient(const U256 &n, uint64_t d1, uint64_t d0)
+{
+    const int s = std::countl_zero(d1);
     d1 = funnel(d1, d0, s);
     d0 <<= s;
-    // The numerator shifted alike, in five words.
-    uint64_t nn[5];
-    nn[4] = funnel(0, n.w[3], s);
-    for (int i = 3; i > 0; --i)
-        nn[i] = funnel(n.w[i], n.w[i - 1], s);
-    nn[0] = n.w[0] << s;
-    int j = 4;
-    while (j >= 0 && nn[j] == 0)
-        --j;
-    U256 q;
-    q.w[0] = q.w[1] = q.w[2] = q.w[3] = 0;
-    if (j < 0)
-        return q;
-    // The top word starts the remainder when it lies below the divisor,
-    // which nn[4] always does, so the quotient fits four words.
-    if (one_word) {
-        const uint64_t v = reciprocal(d0);
-        uint64_t r = 0;
-        if (nn[j] < d0)
-            r = nn[j--];
-        for (; j >= 0; --j)
-            q.w[j] = div_2by1_preinv(r, nn[j], d0, v);
-        return q;
-    }
-    if (j == 0)
-        return q;
+    const Shifted nn = shift_left(n, s);
     const uint64_t v = reciprocal_3by2(d1, d0);
-    u128 r = (static_cast<u128>(nn[j]) << 64) | nn[j - 1];
-    j -= 2;
-    if (r >= ((static_cast<u128>(d1) << 64) | d0)) {
-        r = nn[j + 2];
-        ++j;
-    }
-    for (; j >= 0; --j)
-        q.w[j] = div_3by2_preinv(r, nn[j], d1, d0, v);
+    u128 r = join(nn.w[4], nn.w[3]);
+    U256 q;
+    q.w[3] = 0;
+    for (int j = 2; j >= 0; --j)
+        q.w[j] = div_3by2_preinv(r, nn.w[j], d1, d0, v);
     return q;
 }
 
 // x times 10^shift (0 <= shift <= 77) into n; false when that needs more
-// than four words.  Powers up to 10^38 are two words, and their products
-// always fit.
-inline bool scaled(u128 x, int shift, U256 &n)
+// than four words.  The power has as many words as its size asks, and each
+// takes one row of multiplications.
+inline bool scaled(uint64_t x1, uint64_t x0, int shift, U256 &n)
 {
     const U256 &p = kPow.p[shift];
     if (shift <= kMaxWordPrec) {
-        n = product(x, (static_cast<u128>(p.w[1]) << 64) | p.w[0]);
+        n = product<2, 2>(x1, x0, p.w[1], p.w[0]);
         return true;
     }
-    // Written out word by word: a product built in an array and copied
-    // would stall on the copy.
-    const uint64_t x0 = static_cast<uint64_t>(x), x1 = static_cast<uint64_t>(x >> 64);
+    // Two rows, x0 and x1, over the power's words, carries kept in 128 bits.
     u128 t = static_cast<u128>(x0) * p.w[0];
     const uint64_t r0 = static_cast<uint64_t>(t);
     t = static_cast<u128>(x0) * p.w[1] + static_cast<uint64_t>(t >> 64);
@@ -405,19 +427,23 @@ inline bool scaled(u128 x, int shift, U256 &n)
     return t == 0;
 }
 
-// a / b truncated toward zero: the dividend is multiplied by
+// a / b truncated toward zero for a of W1 words and b of W2 words, both of
+// word shape, which the caller has checked.  The dividend is multiplied by
 // 10^(out.scale - s1 + s2) first, which must lie in 0..77.
-[[gnu::always_inline]] inline bool div(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
+template <int W1, int W2> [[gnu::always_inline]] inline bool div_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
-    if (!word_shaped(a) || !word_shaped(b))
+    if (a->scale > a->precision || b->scale > b->precision)
         return false;
     const Shape out = quotient_shape(a->precision, a->scale, b->scale);
     const int shift = out.scale - a->scale + b->scale;
-    const u128 d = load(b);
+    uint64_t x1, x0, d1, d0;
+    load_words<W1>(a, x1, x0);
+    load_words<W2>(b, d1, d0);
     U256 n;
-    if (d == 0 || shift < 0 || shift > kMaxPrec || !scaled(load(a), shift, n))
+    if ((d1 | d0) == 0 || shift < 0 || shift > kMaxPrec || !scaled(x1, x0, shift, n))
         return false;
-    return store(quotient(n, d), product_sign(a, b), out, r);
+    const U256 q = W2 == 1 || d1 == 0 ? quotient(n, d0) : quotient(n, d1, d0);
+    return store(q, product_sign(a, b) && !is_zero(q), out, r);
 }
 
 } // namespace kes::numeric::words
