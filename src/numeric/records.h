@@ -26,31 +26,36 @@ namespace kes::numeric {
 [[gnu::noinline]] CS_RETCODE bytes_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result);
 [[gnu::noinline]] CS_RETCODE bytes_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot);
 
-// A sum or difference of two operands of precision P and one scale.
-template <int P> CS_RETCODE addorsub_at(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result, CS_INT operation)
+// A sum (Operation 0) or difference (1) of two operands of precision P and
+// one scale.
+template <int P, CS_INT Operation> CS_RETCODE addorsub_at(CS_NUMERIC *oper1, CS_NUMERIC *oper2, CS_NUMERIC *result)
 {
-    if (words::add_sub_at<P>(oper1, oper2, result, operation == 1))
+    if (words::add_sub_at<P>(oper1, oper2, result, Operation == 1))
         return CS_SUCCEED;
-    return bytes_addorsub(oper1, oper2, result, operation);
+    return bytes_addorsub(oper1, oper2, result, Operation);
 }
 
-using AddOrSub = CS_RETCODE (*)(CS_NUMERIC *, CS_NUMERIC *, CS_NUMERIC *, CS_INT);
+using RecordOp = CS_RETCODE (*)(CS_NUMERIC *, CS_NUMERIC *, CS_NUMERIC *);
 
-template <size_t... I> constexpr std::array<AddOrSub, sizeof...(I)> addorsub_table(std::index_sequence<I...>)
+template <CS_INT Operation, size_t... I>
+constexpr std::array<RecordOp, sizeof...(I)> addorsub_row(std::index_sequence<I...>)
 {
-    return {&addorsub_at<static_cast<int>(I) + 1>...};
+    return {&addorsub_at<static_cast<int>(I) + 1, Operation>...};
 }
 
-// addorsub_at<P> at P - 1: a column's sums run one instantiation.
-inline constexpr auto kAddOrSubAt = addorsub_table(std::make_index_sequence<words::kMaxWordPrec>{});
+// addorsub_at<P, operation> at [operation][P - 1]: a column's sums run one
+// instantiation.
+inline constexpr std::array<RecordOp, words::kMaxWordPrec> kAddOrSubAt[2] = {
+    addorsub_row<0>(std::make_index_sequence<words::kMaxWordPrec>{}),
+    addorsub_row<1>(std::make_index_sequence<words::kMaxWordPrec>{})};
 
 [[gnu::always_inline]] inline CS_RETCODE record_addorsub(CS_NUMERIC *oper1, CS_NUMERIC *oper2,
                                                          CS_NUMERIC *result, CS_INT operation, bool try_words)
 {
     if (try_words && oper1 && oper2 && result && (operation == 0 || operation == 1)) {
         const unsigned p = oper1->precision;
-        if (p - 1u < kAddOrSubAt.size() && p == oper2->precision && oper1->scale == oper2->scale)
-            return kAddOrSubAt[p - 1](oper1, oper2, result, operation);
+        if (p - 1u < words::kMaxWordPrec && p == oper2->precision && oper1->scale == oper2->scale)
+            return kAddOrSubAt[operation][p - 1](oper1, oper2, result);
     }
     return bytes_addorsub(oper1, oper2, result, operation);
 }
@@ -63,10 +68,8 @@ template <int W1, int W2> CS_RETCODE mul_at(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_N
     return bytes_mul(m1, m2, result);
 }
 
-using Mul = CS_RETCODE (*)(CS_NUMERIC *, CS_NUMERIC *, CS_NUMERIC *);
-
 // mul_at by (W1 - 1) + 2 (W2 - 1).
-inline constexpr Mul kMulAt[4] = {&mul_at<1, 1>, &mul_at<2, 1>, &mul_at<1, 2>, &mul_at<2, 2>};
+inline constexpr RecordOp kMulAt[4] = {&mul_at<1, 1>, &mul_at<2, 1>, &mul_at<1, 2>, &mul_at<2, 2>};
 
 [[gnu::always_inline]] inline CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool try_words)
 {
@@ -87,7 +90,7 @@ template <int W1, int W2> CS_RETCODE divide_at(CS_NUMERIC *dividend, CS_NUMERIC 
 }
 
 // divide_at by (W1 - 1) + 2 (W2 - 1).
-inline constexpr Mul kDivideAt[4] = {&divide_at<1, 1>, &divide_at<2, 1>, &divide_at<1, 2>, &divide_at<2, 2>};
+inline constexpr RecordOp kDivideAt[4] = {&divide_at<1, 1>, &divide_at<2, 1>, &divide_at<1, 2>, &divide_at<2, 2>};
 
 [[gnu::always_inline]] inline CS_RETCODE record_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot,
                                                        bool try_words)

@@ -394,7 +394,7 @@ inline U256 quotient(const U256 &n, uint64_t d1, uint64_t d0)
 
 // x times 10^shift (0 <= shift <= 77) into n; false when that needs more
 // than four words.  The power has as many words as its size asks, and each
-// takes one row of multiplications.
+// row of multiplications runs over those words alone.
 inline bool scaled(uint64_t x1, uint64_t x0, int shift, U256 &n)
 {
     const U256 &p = kPow.p[shift];
@@ -402,16 +402,20 @@ inline bool scaled(uint64_t x1, uint64_t x0, int shift, U256 &n)
         n = product<2, 2>(x1, x0, p.w[1], p.w[0]);
         return true;
     }
-    // Two rows, x0 and x1, over the power's words, carries kept in 128 bits.
+    // Powers up to 10^57 have three words.
+    const bool four = p.w[3] != 0;
     u128 t = static_cast<u128>(x0) * p.w[0];
     const uint64_t r0 = static_cast<uint64_t>(t);
     t = static_cast<u128>(x0) * p.w[1] + static_cast<uint64_t>(t >> 64);
     uint64_t r1 = static_cast<uint64_t>(t);
     t = static_cast<u128>(x0) * p.w[2] + static_cast<uint64_t>(t >> 64);
     uint64_t r2 = static_cast<uint64_t>(t);
-    t = static_cast<u128>(x0) * p.w[3] + static_cast<uint64_t>(t >> 64);
-    uint64_t r3 = static_cast<uint64_t>(t);
-    const uint64_t r4 = static_cast<uint64_t>(t >> 64);
+    uint64_t r3 = static_cast<uint64_t>(t >> 64), r4 = 0;
+    if (four) {
+        t = static_cast<u128>(x0) * p.w[3] + r3;
+        r3 = static_cast<uint64_t>(t);
+        r4 = static_cast<uint64_t>(t >> 64);
+    }
     if (x1 == 0) {
         n = U256{{r0, r1, r2, r3}};
         return r4 == 0;
@@ -422,7 +426,9 @@ inline bool scaled(uint64_t x1, uint64_t x0, int shift, U256 &n)
     r2 = static_cast<uint64_t>(t);
     t = static_cast<u128>(x1) * p.w[2] + r3 + static_cast<uint64_t>(t >> 64);
     r3 = static_cast<uint64_t>(t);
-    t = static_cast<u128>(x1) * p.w[3] + r4 + static_cast<uint64_t>(t >> 64);
+    t = r4 + (t >> 64);
+    if (four)
+        t += static_cast<u128>(x1) * p.w[3];
     n = U256{{r0, r1, r2, r3}};
     return t == 0;
 }
