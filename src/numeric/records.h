@@ -3,9 +3,9 @@
 ** comn_nummul and comn_numdivide.  Each tries the word path first and
 ** leaves everything it declines to the byte kernel, which also makes the
 ** argument checks; with try_words false the byte kernel runs alone, which
-** the tests hold the word path to.  The dispatch and the word path are
-** forced inline into the exported entries, so that the word path runs in
-** their frame and without the byte kernel's.
+** the tests hold the word path to.  The exported entries check the
+** pointers and jump through a table to the instantiation for their
+** operands' shape, which runs without the byte kernel's frame.
 */
 #ifndef KESCOMN_NUMERIC_RECORDS_H
 #define KESCOMN_NUMERIC_RECORDS_H
@@ -76,7 +76,7 @@ inline constexpr RecordOp kMulAt[4] = {&mul_at<1, 1>, &mul_at<2, 1>, &mul_at<1, 
     if (try_words && m1 && m2 && result) {
         const unsigned p1 = m1->precision, p2 = m2->precision;
         if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
-            return kMulAt[(p1 > words::kMaxOneWordPrec) + 2 * (p2 > words::kMaxOneWordPrec)](m1, m2, result);
+            return kMulAt[words::words_for(p1) - 1 + 2 * (words::words_for(p2) - 1)](m1, m2, result);
     }
     return bytes_mul(m1, m2, result);
 }
@@ -98,8 +98,7 @@ inline constexpr RecordOp kDivideAt[4] = {&divide_at<1, 1>, &divide_at<2, 1>, &d
     if (try_words && dividend && divisor && quot) {
         const unsigned p1 = dividend->precision, p2 = divisor->precision;
         if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
-            return kDivideAt[(p1 > words::kMaxOneWordPrec) + 2 * (p2 > words::kMaxOneWordPrec)](dividend, divisor,
-                                                                                                   quot);
+            return kDivideAt[words::words_for(p1) - 1 + 2 * (words::words_for(p2) - 1)](dividend, divisor, quot);
     }
     return bytes_divide(dividend, divisor, quot);
 }

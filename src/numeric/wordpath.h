@@ -6,16 +6,19 @@
 **
 ** Each operation takes records that are not null and either writes the
 ** whole result (its bytes, precision and scale) and succeeds, or declines
-** and writes nothing.  It declines on a wider operand, a scale above the precision, operands of different
-** shape in a sum, a result that fails its precision and a zero divisor; the
+** and writes nothing.  It declines on a wider operand, a scale above the
+** precision, operands of different shape in a sum, a result that fails its
+** precision and a zero divisor; the
 ** byte kernel then runs on the untouched records and decides the outcome
 ** and its result code, so both paths give the same bytes for every input.
 ** All operand bytes are read before the first write, so the result may be
 ** an operand.
 **
-** The bodies are here, the small ones forced inline, so that they inline
-** into the exported entries: at these sizes a call and its register saves
-** cost as much as the arithmetic.
+** The operations are templates on what fixes their offsets and word
+** counts: a sum on its operands' precision, a product and a quotient on the
+** number of words each operand needs.  An instantiation then loads, checks
+** and stores at constant or branch-free offsets; at these sizes that work
+** costs as much as the arithmetic.
 */
 #ifndef KESCOMN_NUMERIC_WORDPATH_H
 #define KESCOMN_NUMERIC_WORDPATH_H
@@ -252,8 +255,8 @@ template <int W1, int W2> [[gnu::always_inline]] inline U256 product(uint64_t x1
 // themselves are compared.
 inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->array[0] != b->array[0]; }
 
-// a * b for a of W1 words and b of W2 words, both of word shape, which the
-// caller has checked.  The product keeps all their digits and one more, at
+// a * b for a of W1 words and b of W2 words, both of at most 38 digits,
+// which the caller has checked.  The product keeps all their digits and one more, at
 // the sum of the scales, as product_shape() gives for every such pair (a test
 // walks them all); the short form keeps its clamps off this path.
 template <int W1, int W2> [[gnu::always_inline]] inline bool mul_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
@@ -434,7 +437,7 @@ inline bool scaled(uint64_t x1, uint64_t x0, int shift, U256 &n)
 }
 
 // a / b truncated toward zero for a of W1 words and b of W2 words, both of
-// word shape, which the caller has checked.  The dividend is multiplied by
+// at most 38 digits, which the caller has checked.  The dividend is multiplied by
 // 10^(out.scale - s1 + s2) first, which must lie in 0..77.
 template <int W1, int W2> [[gnu::always_inline]] inline bool div_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
