@@ -60,47 +60,46 @@ inline constexpr std::array<RecordOp, words::kMaxWordPrec> kAddOrSubAt[2] = {
     return bytes_addorsub(oper1, oper2, result, operation);
 }
 
-// A product of operands of W1 and W2 words.
-template <int W1, int W2> CS_RETCODE mul_at(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result)
+// A product or quotient: the word path's instantiation Words, else the byte
+// kernel's operation Bytes on the untouched records.
+template <bool (*Words)(const CS_NUMERIC *, const CS_NUMERIC *, CS_NUMERIC *), RecordOp Bytes>
+CS_RETCODE words_or_bytes(CS_NUMERIC *a, CS_NUMERIC *b, CS_NUMERIC *result)
 {
-    if (words::mul_at<W1, W2>(m1, m2, result))
+    if (Words(a, b, result))
         return CS_SUCCEED;
-    return bytes_mul(m1, m2, result);
+    return Bytes(a, b, result);
 }
 
-// mul_at by (W1 - 1) + 2 (W2 - 1).
-inline constexpr RecordOp kMulAt[4] = {&mul_at<1, 1>, &mul_at<2, 1>, &mul_at<1, 2>, &mul_at<2, 2>};
+// The instantiations of a product and a quotient by (W1 - 1) + 2 (W2 - 1).
+inline constexpr RecordOp kMulAt[4] = {
+    &words_or_bytes<&words::mul_at<1, 1>, &bytes_mul>, &words_or_bytes<&words::mul_at<2, 1>, &bytes_mul>,
+    &words_or_bytes<&words::mul_at<1, 2>, &bytes_mul>, &words_or_bytes<&words::mul_at<2, 2>, &bytes_mul>};
+inline constexpr RecordOp kDivideAt[4] = {
+    &words_or_bytes<&words::div_at<1, 1>, &bytes_divide>, &words_or_bytes<&words::div_at<2, 1>, &bytes_divide>,
+    &words_or_bytes<&words::div_at<1, 2>, &bytes_divide>, &words_or_bytes<&words::div_at<2, 2>, &bytes_divide>};
+
+// a op b through the instantiation for the operands' word counts, when both
+// have at most 38 digits; the byte kernel otherwise.
+[[gnu::always_inline]] inline CS_RETCODE by_word_counts(const RecordOp (&table)[4], RecordOp bytes, CS_NUMERIC *a,
+                                                        CS_NUMERIC *b, CS_NUMERIC *result, bool try_words)
+{
+    if (try_words && a && b && result) {
+        const unsigned p1 = a->precision, p2 = b->precision;
+        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
+            return table[words::words_for(p1) - 1 + 2 * (words::words_for(p2) - 1)](a, b, result);
+    }
+    return bytes(a, b, result);
+}
 
 [[gnu::always_inline]] inline CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool try_words)
 {
-    if (try_words && m1 && m2 && result) {
-        const unsigned p1 = m1->precision, p2 = m2->precision;
-        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
-            return kMulAt[words::words_for(p1) - 1 + 2 * (words::words_for(p2) - 1)](m1, m2, result);
-    }
-    return bytes_mul(m1, m2, result);
+    return by_word_counts(kMulAt, &bytes_mul, m1, m2, result, try_words);
 }
-
-// A quotient of operands of W1 and W2 words.
-template <int W1, int W2> CS_RETCODE divide_at(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot)
-{
-    if (words::div_at<W1, W2>(dividend, divisor, quot))
-        return CS_SUCCEED;
-    return bytes_divide(dividend, divisor, quot);
-}
-
-// divide_at by (W1 - 1) + 2 (W2 - 1).
-inline constexpr RecordOp kDivideAt[4] = {&divide_at<1, 1>, &divide_at<2, 1>, &divide_at<1, 2>, &divide_at<2, 2>};
 
 [[gnu::always_inline]] inline CS_RETCODE record_divide(CS_NUMERIC *dividend, CS_NUMERIC *divisor, CS_NUMERIC *quot,
                                                        bool try_words)
 {
-    if (try_words && dividend && divisor && quot) {
-        const unsigned p1 = dividend->precision, p2 = divisor->precision;
-        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
-            return kDivideAt[words::words_for(p1) - 1 + 2 * (words::words_for(p2) - 1)](dividend, divisor, quot);
-    }
-    return bytes_divide(dividend, divisor, quot);
+    return by_word_counts(kDivideAt, &bytes_divide, dividend, divisor, quot, try_words);
 }
 
 } // namespace kes::numeric

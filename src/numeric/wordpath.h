@@ -80,16 +80,6 @@ inline uint64_t be64(const CS_BYTE *p)
     return __builtin_bswap64(v);
 }
 
-// The magnitude of a record of len bytes, at most 17.  The 16 bytes after
-// the sign byte lie inside the record's array for every precision, and the
-// magnitude is their leading len - 1 bytes: one shift, no branch, and with
-// len known at compile time one or two plain loads.
-[[gnu::always_inline]] inline u128 load(const CS_NUMERIC *n, unsigned len)
-{
-    const u128 head = (static_cast<u128>(be64(n->array + 1)) << 64) | be64(n->array + 9);
-    return head >> (8 * (17 - len));
-}
-
 inline U256 widen(u128 v) { return U256{{static_cast<uint64_t>(v), static_cast<uint64_t>(v >> 64), 0, 0}}; }
 
 inline u128 join(uint64_t hi, uint64_t lo) { return (static_cast<u128>(hi) << 64) | lo; }
@@ -186,6 +176,33 @@ inline constexpr TwoWordLimits kTwoWordMax = make_two_word_limits();
     return true;
 }
 
+// The largest precision whose magnitude fits one word.
+inline constexpr int kMaxOneWordPrec = 19;
+
+// Words a magnitude of precision p (1..38) needs.
+constexpr int words_for(int p) { return p <= kMaxOneWordPrec ? 1 : 2; }
+
+// The magnitude of a record of len bytes and W words, W = words_for(its
+// precision): one load for one word, and for two words the low word ending at
+// the value's last byte and the bytes after the sign byte shifted down.  Only
+// bytes inside the record's array are read, whatever the precision.
+template <int W>
+[[gnu::always_inline]] inline void load_words(const CS_NUMERIC *n, unsigned len, uint64_t &hi, uint64_t &lo)
+{
+    if constexpr (W == 1) {
+        lo = be64(n->array + 1) >> (8 * (9 - len));
+        hi = 0;
+    } else {
+        lo = be64(n->array + len - 8);
+        hi = be64(n->array + 1) >> (8 * (17 - len));
+    }
+}
+
+template <int W> [[gnu::always_inline]] inline void load_words(const CS_NUMERIC *n, uint64_t &hi, uint64_t &lo)
+{
+    load_words<W>(n, Com__Nume_Prec_To_Len[n->precision], hi, lo);
+}
+
 // a + b, or a - b when subtract, for operands of one shape whose
 // precision P the caller has matched; the sum has precision P + 1 and their
 // scale.  With P fixed at compile time the loads, the limit and the stores
@@ -200,8 +217,10 @@ template <int P>
         return false;
     const Shape out{P + 1, a->scale};
     constexpr unsigned len = Com__Nume_Prec_To_Len[P];
-    const u128 x = load(a, len);
-    const u128 y = load(b, len);
+    uint64_t x1, x0, y1, y0;
+    load_words<words_for(P)>(a, len, x1, x0);
+    load_words<words_for(P)>(b, len, y1, y0);
+    const u128 x = join(x1, x0), y = join(y1, y0);
     const bool na = a->array[0] != 0;
     const bool nb = (b->array[0] != 0) != subtract;
     if (na == nb) {
@@ -215,26 +234,6 @@ template <int P>
     if ((x_larger ? x : y) > kTwoWordMax.max[P + 1])
         return false;
     return store_two_words(x_larger ? x - y : y - x, x_larger ? na : nb, out, r);
-}
-
-// The largest precision whose magnitude fits one word.
-inline constexpr int kMaxOneWordPrec = 19;
-
-// Words a magnitude of precision p (1..38) needs.
-constexpr int words_for(int p) { return p <= kMaxOneWordPrec ? 1 : 2; }
-
-// The magnitude of a record of W words, W = words_for(its precision).  One
-// word needs one load; two words need no shift across the word boundary.
-template <int W> [[gnu::always_inline]] inline void load_words(const CS_NUMERIC *n, uint64_t &hi, uint64_t &lo)
-{
-    const unsigned len = Com__Nume_Prec_To_Len[n->precision];
-    if constexpr (W == 1) {
-        lo = be64(n->array + 1) >> (8 * (9 - len));
-        hi = 0;
-    } else {
-        lo = be64(n->array + len - 8);
-        hi = be64(n->array + 1) >> (8 * (17 - len));
-    }
 }
 
 // The product of a W1-word x and a W2-word y, schoolbook: each partial
