@@ -79,14 +79,24 @@ inline constexpr RecordOp kDivideAt[4] = {
     &words_or_bytes<&words::div_at<1, 2>, &bytes_divide>, &words_or_bytes<&words::div_at<2, 2>, &bytes_divide>};
 
 // a op b through the instantiation for the operands' word counts, when both
-// have at most 38 digits; the byte kernel otherwise.
+// have at most 38 digits; the byte kernel otherwise.  The table is read at
+// constant indexes, so each instantiation is a direct call the compiler may
+// inline: a jump through a computed address cost more than these branches.
 [[gnu::always_inline]] inline CS_RETCODE by_word_counts(const RecordOp (&table)[4], RecordOp bytes, CS_NUMERIC *a,
                                                         CS_NUMERIC *b, CS_NUMERIC *result, bool try_words)
 {
     if (try_words && a && b && result) {
         const unsigned p1 = a->precision, p2 = b->precision;
-        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec)
-            return table[words::words_for(p1) - 1 + 2 * (words::words_for(p2) - 1)](a, b, result);
+        if (p1 - 1u < words::kMaxWordPrec && p2 - 1u < words::kMaxWordPrec) {
+            const bool wide1 = words::words_for(p1) == 2, wide2 = words::words_for(p2) == 2;
+            if (wide1 && wide2)
+                return table[3](a, b, result);
+            if (wide1)
+                return table[1](a, b, result);
+            if (wide2)
+                return table[2](a, b, result);
+            return table[0](a, b, result);
+        }
     }
     return bytes(a, b, result);
 }
