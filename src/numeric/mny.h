@@ -58,13 +58,13 @@ int com__mnyscale(CS_MONEY *mp, int mpier, int add);
 /* Sum and difference; overflow stores zero and is status 1. */
 int com__mnyadd(CS_MONEY *add1p, CS_MONEY *add2p, CS_MONEY *sump);
 int com__mnysub(CS_MONEY *minp, CS_MONEY *subp, CS_MONEY *difp);
-/* Product rounded half away from zero to 1/10000 through the numeric core;
-   a product below one unit is zero even when it would round up.  Overflow is
-   status 1 with m3 unchanged. */
+/* Product rounded half away from zero to 1/10000; a product below one unit
+   is zero even when it would round up.  Overflow is status 1 with m3
+   unchanged. */
 int com__mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3);
-/* Quotient cut toward zero at 1/10000 through the numeric core.  A zero
-   divisor zeroes m3 (status 3); a quotient of 19 digits or more zeroes m3
-   (status 1); one that only misses the money range leaves m3 (status 1). */
+/* Quotient cut toward zero at 1/10000.  A zero divisor zeroes m3 (status
+   3); a quotient of more than 19 digits (counted in units of 1/10000) zeroes
+   m3 (status 1); one that only misses the money range leaves m3 (status 1). */
 int com__mnydiv(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3);
 /* The largest and the most negative value. */
 void com__maxposmny(CS_MONEY *mp);

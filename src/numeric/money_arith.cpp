@@ -1,9 +1,7 @@
 // Money arithmetic: the com__mny* kernels and their comn_ (result code) and
-// com_ (raw status) entries.  Sums, comparisons and the digit helpers stay
-// on machine integers; products and quotients go through the exact numeric
-// core so that they round and cut exactly as numeric arithmetic does.
-#include <cstring>
-
+// com_ (raw status) entries.  Everything runs on machine integers: a product
+// of two magnitudes is below 2^126 and a scaled dividend below 2^77, so
+// 128-bit arithmetic holds every intermediate exactly.
 #include "errors/assert.h"
 #include "kescomn/money.h"
 #include "numeric/exctnume.h"
@@ -18,40 +16,16 @@ using kes::money::value;
 constexpr int64_t kMaxMoney = INT64_MAX;
 constexpr int64_t kMinMoney = INT64_MIN;
 
-// ---- money as a 9-byte numeric at scale 4 ------------------------------------
+using u128 = unsigned __int128;
 
-// A sign byte and eight big-endian magnitude bytes: every money magnitude,
-// 2^63 included, fits, and precision 19 holds it.
-struct Numeric9 {
-    CS_BYTE bytes[9];
-    __CONSTANT c;
-};
-
-void to_numeric(const CS_MONEY &m, Numeric9 &n)
+// Stores the magnitude mag with its sign as money.  False, and the result
+// left as it was, when it does not fit: more than 63 bits, save 2^63 when
+// negative.
+bool store_signed(u128 mag, bool negative, CS_MONEY &out)
 {
-    const int64_t v = value(m);
-    uint64_t mag = magnitude(v);
-    n.bytes[0] = v < 0 ? 1 : 0;
-    for (int i = 8; i >= 1; --i, mag >>= 8)
-        n.bytes[i] = static_cast<CS_BYTE>(mag);
-    n.c = kes::numeric::value_view(n.bytes, 9, 19, 4);
-}
-
-// Stores a numeric of scale 4 as money.  False when the magnitude needs more
-// than eight bytes or more than 63 bits, save the most negative value.
-bool from_numeric(const __CONSTANT &num, CS_MONEY &out)
-{
-    CS_BYTE bytes[9];
-    __CONSTANT nine = kes::numeric::value_view(bytes, 9);
-    if (com__exctnume_copy(&num, &nine) != 0)
-        return false;
-    uint64_t mag = 0;
-    for (int i = 1; i <= 8; ++i)
-        mag = mag << 8 | bytes[i];
-    const bool negative = bytes[0] != 0;
-    if (mag >> 63 == 0)
+    if (mag <= static_cast<u128>(kMaxMoney))
         set(out, negative ? -static_cast<int64_t>(mag) : static_cast<int64_t>(mag));
-    else if (negative && mag == uint64_t{1} << 63)
+    else if (negative && mag == static_cast<u128>(kMaxMoney) + 1)
         set(out, kMinMoney);
     else
         return false;
@@ -215,67 +189,32 @@ int com__mnysub(CS_MONEY *minp, CS_MONEY *subp, CS_MONEY *difp)
 
 int com__mnymul(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3)
 {
-    if (value(*m1) == 0 || value(*m2) == 0) {
-        set(*m3, 0);
-        return 0;
-    }
-    Numeric9 a, b;
-    to_numeric(*m1, a);
-    to_numeric(*m2, b);
-
-    CS_BYTE product_bytes[kes::numeric::kMaxLen];
-    __CONSTANT product = kes::numeric::value_view(product_bytes, kes::numeric::kMaxLen, kes::numeric::kMaxPrec, 8);
-    if (const int status = com__exctnume_intmul(&a.c, &b.c, &product); status != 0) {
-        set(*m3, 0);
-        return status;
-    }
-    const bool negative = product_bytes[0] != 0;
-    product_bytes[0] = 0;
-
-    // Back to scale 4: the quotient by 10^4, rounded by its remainder.
-    CS_BYTE work[kes::numeric::kMaxLen + 8];
-    __CONSTANT q = kes::numeric::value_view(work, sizeof work), r{};
-    const __CONSTANT ten4 = kes::numeric::power_of_ten(4);
-    if (const int status = com__exctnume_intdiv(&product, &ten4, &q, &r); status != 0) {
-        set(*m3, 0);
-        return status;
-    }
-    // A product below one unit is zero even when its remainder would round
-    // it up: the quotient has no length to increment.
-    if (q.len == 0) {
-        set(*m3, 0);
-        return 0;
-    }
-    unsigned remainder = 0;
-    for (int i = 1; i < r.len; ++i)
-        remainder = remainder << 8 | r.value[i];
-
-    CS_BYTE rounded_bytes[kes::numeric::kMaxLen]{};
-    __CONSTANT rounded = kes::numeric::value_view(rounded_bytes, kes::numeric::kMaxLen, kes::numeric::kMaxPrec, 4);
-    const int digits = q.len - 1;
-    KES_ASSERT(digits < kes::numeric::kMaxLen);
-    std::memcpy(rounded_bytes + kes::numeric::kMaxLen - digits, q.value + 1, static_cast<size_t>(digits));
-    if (remainder >= 5000)
-        (void)com__exctnume_inc(&rounded); // cannot carry out: 33 bytes hold any product
-    rounded_bytes[0] = negative ? 1 : 0;
-    return from_numeric(rounded, *m3) ? 0 : 1;
+    const int64_t a = value(*m1), b = value(*m2);
+    const u128 product = static_cast<u128>(magnitude(a)) * magnitude(b);
+    // Back to four decimals, half away from zero; a product below one unit
+    // is zero even when its remainder would round it up.
+    u128 units = product / 10000;
+    if (units != 0 && product % 10000 >= 5000)
+        ++units;
+    return store_signed(units, (a < 0) != (b < 0), *m3) ? 0 : kes::numeric::kOverflow;
 }
 
 int com__mnydiv(CS_MONEY *m1, CS_MONEY *m2, CS_MONEY *m3)
 {
-    if (value(*m2) == 0) {
+    const int64_t a = value(*m1), b = value(*m2);
+    if (b == 0) {
         set(*m3, 0);
         return kes::numeric::kDivZero;
     }
-    Numeric9 a, b, quot;
-    to_numeric(*m1, a);
-    to_numeric(*m2, b);
-    to_numeric(CS_MONEY{}, quot);
-    if (const int status = com__exctnume_div(&a.c, &b.c, &quot.c, nullptr); status != 0) {
+    // Cut toward zero.  A quotient of 20 digits or more overflows the
+    // 19-digit numeric the division is defined on, which zeroes the result;
+    // a smaller one that misses 64 bits leaves it as it was.
+    const u128 units = static_cast<u128>(magnitude(a)) * 10000 / magnitude(b);
+    if (units >= static_cast<u128>(10000000000000000000ULL)) {
         set(*m3, 0);
-        return status;
+        return kes::numeric::kOverflow;
     }
-    return from_numeric(quot.c, *m3) ? 0 : 1;
+    return store_signed(units, (a < 0) != (b < 0), *m3) ? 0 : kes::numeric::kOverflow;
 }
 
 void com__maxposmny(CS_MONEY *mp) { set(*mp, kMaxMoney); }
