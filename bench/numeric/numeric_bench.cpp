@@ -3,7 +3,9 @@
 //
 // Sizes are operand digits.  add: two D-digit values (leading digit below 5,
 // so the sum fits).  mul: two D-digit values, except at 77, where a 39-digit
-// and a 38-digit value make a 77-digit product.  div: two D-digit values at
+// and a 38-digit value make a 77-digit product; the mixed pairs give the
+// second operand's digits too, since operands of one precision take a
+// shorter path.  div: two D-digit values at
 // the library's default result scale; the peer divides the numerator that
 // the library forms (the dividend times 10^shift), pre-scaled outside the
 // timed loop.
@@ -61,12 +63,13 @@ struct Operands {
     int pa = 0, pb = 0;
 };
 
-Operands operands(Kind kind, int d)
+Operands operands(Kind kind, const benchmark::State &state)
 {
+    const int d = static_cast<int>(state.range(0));
     std::mt19937_64 rng(static_cast<uint64_t>(d) * 31 + static_cast<uint64_t>(kind));
     Operands o;
     o.pa = d;
-    o.pb = d;
+    o.pb = state.range(1) != 0 ? static_cast<int>(state.range(1)) : d;
     if (kind == Kind::mul && d == 77) {
         o.pa = 39;
         o.pb = 38;
@@ -82,7 +85,7 @@ using NumOp = CS_RETCODE (*)(CS_NUMERIC *, CS_NUMERIC *, CS_NUMERIC *);
 
 template <Kind K> void lib(benchmark::State &state)
 {
-    const Operands o = operands(K, static_cast<int>(state.range(0)));
+    const Operands o = operands(K, state);
     std::vector<CS_NUMERIC> a, b;
     for (size_t i = 0; i < kPool; ++i) {
         a.push_back(record(o.a[i], o.pa));
@@ -105,7 +108,7 @@ template <Kind K> void lib(benchmark::State &state)
 
 template <Kind K> void gmp(benchmark::State &state)
 {
-    const Operands o = operands(K, static_cast<int>(state.range(0)));
+    const Operands o = operands(K, state);
     std::vector<__mpz_struct> a(kPool), b(kPool);
     for (size_t i = 0; i < kPool; ++i) {
         mpz_init_set_str(&a[i], o.a[i].c_str(), 10);
@@ -144,7 +147,7 @@ template <Kind K> void gmp(benchmark::State &state)
 #ifdef KESCOMN_HAVE_BID
 template <Kind K> void bid(benchmark::State &state)
 {
-    const Operands o = operands(K, static_cast<int>(state.range(0)));
+    const Operands o = operands(K, state);
     std::vector<BID_UINT128> a, b;
     for (size_t i = 0; i < kPool; ++i) {
         a.push_back(bid128_from_string(const_cast<char *>(o.a[i].c_str())));
@@ -168,7 +171,7 @@ template <Kind K> void bid(benchmark::State &state)
 void sizes(benchmark::internal::Benchmark *b, std::initializer_list<int> ds)
 {
     for (int d : ds)
-        b->Arg(d);
+        b->Args({d, 0});
 }
 
 #define KES_NUMERIC_PAIR(kind)                                                                                 \
@@ -178,6 +181,9 @@ void sizes(benchmark::internal::Benchmark *b, std::initializer_list<int> ds)
 KES_NUMERIC_PAIR(add);
 KES_NUMERIC_PAIR(mul);
 KES_NUMERIC_PAIR(div);
+
+BENCHMARK(lib<Kind::mul>)->Name("mul_mixed_vs_gmp/lib")->Args({38, 20})->Args({38, 37});
+BENCHMARK(gmp<Kind::mul>)->Name("mul_mixed_vs_gmp/peer")->Args({38, 20})->Args({38, 37});
 
 #ifdef KESCOMN_HAVE_BID
 #define KES_NUMERIC_BID_PAIR(kind)                                                                    \

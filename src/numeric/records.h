@@ -78,6 +78,17 @@ inline constexpr RecordOp kDivideAt[4] = {
     &words_or_bytes<&words::div_at<1, 1>, &bytes_divide>, &words_or_bytes<&words::div_at<2, 1>, &bytes_divide>,
     &words_or_bytes<&words::div_at<1, 2>, &bytes_divide>, &words_or_bytes<&words::div_at<2, 2>, &bytes_divide>};
 
+template <size_t... I> constexpr std::array<RecordOp, sizeof...(I)> mul_same_row(std::index_sequence<I...>)
+{
+    constexpr auto at = [](size_t i) { return static_cast<int>(i) + 1; };
+    return {&words_or_bytes<&words::mul_at<words::words_for(at(I)), words::words_for(at(I)), at(I)>, &bytes_mul>...};
+}
+
+// The product of two operands of one precision P at [P - 1]: a column times
+// a value of its own type, the common case, runs with constant offsets.
+inline constexpr std::array<RecordOp, words::kMaxWordPrec> kMulSameAt =
+    mul_same_row(std::make_index_sequence<words::kMaxWordPrec>{});
+
 // a op b through the instantiation for the operands' word counts, when both
 // have at most 38 digits; the byte kernel otherwise.  The table is read at
 // constant indexes, so each instantiation is a direct call the compiler may
@@ -103,6 +114,11 @@ inline constexpr RecordOp kDivideAt[4] = {
 
 [[gnu::always_inline]] inline CS_RETCODE record_mul(CS_NUMERIC *m1, CS_NUMERIC *m2, CS_NUMERIC *result, bool try_words)
 {
+    if (try_words && m1 && m2 && result) {
+        const unsigned p = m1->precision;
+        if (p - 1u < words::kMaxWordPrec && p == m2->precision)
+            return kMulSameAt[p - 1](m1, m2, result);
+    }
     return by_word_counts(kMulAt, &bytes_mul, m1, m2, result, try_words);
 }
 

@@ -255,20 +255,23 @@ template <int W1, int W2> [[gnu::always_inline]] inline U256 product(uint64_t x1
 inline bool product_sign(const CS_NUMERIC *a, const CS_NUMERIC *b) { return a->array[0] != b->array[0]; }
 
 // a * b for a of W1 words and b of W2 words, both of at most 38 digits,
-// which the caller has checked.  The product keeps all their digits and one more, at
-// the sum of the scales, as product_shape() gives for every such pair (a test
-// walks them all); the short form keeps its clamps off this path.
-template <int W1, int W2> [[gnu::always_inline]] inline bool mul_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
+// which the caller has checked; with P not zero, both of precision P, which
+// puts every load, the limit and the store at constant offsets.  The product
+// keeps all their digits and one more, at the sum of the scales, as
+// product_shape() gives for every such pair (a test walks them all); the
+// short form keeps its clamps off this path.
+template <int W1, int W2, int P = 0>
+[[gnu::always_inline]] inline bool mul_at(const CS_NUMERIC *a, const CS_NUMERIC *b, CS_NUMERIC *r)
 {
     if (a->scale > a->precision || b->scale > b->precision)
         return false;
-    const Shape out{a->precision + b->precision + 1, a->scale + b->scale};
+    const Shape out{P ? 2 * P + 1 : a->precision + b->precision + 1, a->scale + b->scale};
     uint64_t x1, x0, y1, y0;
-    load_words<W1>(a, x1, x0);
-    load_words<W2>(b, y1, y0);
+    load_words<W1>(a, Com__Nume_Prec_To_Len[P ? P : a->precision], x1, x0);
+    load_words<W2>(b, Com__Nume_Prec_To_Len[P ? P : b->precision], y1, y0);
     // A product is zero only when an operand is.
     const bool negative = product_sign(a, b) && (x0 | x1) != 0 && (y0 | y1) != 0;
-    constexpr int min_prec = (W1 == 1 ? 1 : kMaxOneWordPrec + 1) + (W2 == 1 ? 1 : kMaxOneWordPrec + 1) + 1;
+    constexpr int min_prec = P ? 2 * P + 1 : (W1 == 1 ? 1 : kMaxOneWordPrec + 1) + (W2 == 1 ? 1 : kMaxOneWordPrec + 1) + 1;
     return store<min_prec>(product<W1, W2>(x1, x0, y1, y0), negative, out, r);
 }
 
