@@ -3,12 +3,11 @@
 //
 // Sizes are operand digits.  add: two D-digit values (leading digit below 5,
 // so the sum fits).  mul: two D-digit values, except at 77, where a 39-digit
-// and a 38-digit value make a 77-digit product; the mixed pairs give the
+// and a 38-digit value make a 77-digit product; the mixed pairs name the
 // second operand's digits too, since operands of one precision take a
-// shorter path.  div: two D-digit values at
-// the library's default result scale; the peer divides the numerator that
-// the library forms (the dividend times 10^shift), pre-scaled outside the
-// timed loop.
+// shorter path.  div: two D-digit values at the library's default result
+// scale; the peer divides the numerator that the library forms (the dividend
+// times 10^shift), pre-scaled outside the timed loop.
 #include <gmp.h>
 
 #include <cstring>
